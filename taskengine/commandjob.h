@@ -1,0 +1,37 @@
+/** Parse requests that run the application's video-info command. */
+#ifndef VIDEODOWN_TASKENGINE_COMMANDJOB_H
+#define VIDEODOWN_TASKENGINE_COMMANDJOB_H
+
+#include "taskengine/childprocess.h"
+#include "taskengine/job.h"
+
+#include <string>
+
+namespace taskengine {
+
+/** Runs the command once, bounded in time and output; its faults are not retried. */
+class CommandJob : public Job
+{
+public:
+    using Job::Job;
+
+    Clock::time_point wakeTime() const override;
+    int inputDescriptor() const override { return isPaused() ? -1 : m_process.outputDescriptor(); }
+
+private:
+    void beginTry() override;
+    void cutTry() override { m_process.kill(); }
+    void work(Clock::time_point now) override;
+    void setPaused(bool paused) override;
+    void conclude(int status);
+    bool hasTimeLimit() const { return options().commandTimeLimit.count() > 0; }
+
+    ChildProcess m_process;
+    std::string m_output;
+    Clock::time_point m_deadline;
+    Clock::time_point m_pausedAt;
+};
+
+} // namespace taskengine
+
+#endif

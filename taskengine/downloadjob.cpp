@@ -1,0 +1,187 @@
+#include "taskengine/downloadjob.h"
+
+#include <algorithm>
+
+namespace taskengine {
+
+namespace {
+
+constexpr std::chrono::milliseconds reportInterval{250};
+
+} // namespace
+
+Clock::time_point DownloadJob::wakeTime() const
+{
+    return std::min(TransferJob::wakeTime(), Clock::now() + reportInterval);
+}
+
+void DownloadJob::beginTry()
+{
+    m_complete = false;
+    m_end = -1;
+    if (const auto fault = openPart()) {
+        fail(*fault);
+        return;
+    }
+    m_asked = m_part.size();
+    m_meter.restart(m_asked, Clock::now());
+    fetch({request().record.szDownloadURL, m_asked, m_part.facts().validator});
+}
+
+/** Ready to go on at its end, or empty. */
+std::optional<Fault> DownloadJob::openPart()
+{
+    if (!m_part.isOpen())
+        return m_part.open(target().path(), request().record.szTaskKey);
+    if (m_part.size() == 0 || (isVideo() && m_part.canContinue()))
+        return std::nullopt;
+    warnNoResume();
+    return m_part.restart();
+}
+
+void DownloadJob::leaveFiles(bool mayContinue)
+{
+    if (isVideo() && mayContinue && m_part.isOpen())
+        m_part.keep();
+    else
+        m_part.discard();
+}
+
+void DownloadJob::work(Clock::time_point now)
+{
+    report(now);
+    TransferJob::work(now);
+}
+
+std::optional<Fault> DownloadJob::judge(const ResponseHead &head)
+{
+    if (head.status == 416 && m_asked > 0)
+        return judgeUnsatisfiable(head);
+    if (head.status != 200 && head.status != 206)
+        return statusFaultHere();
+    if (const auto fault = judgeKind(head))
+        return fault;
+    return head.status == 206 ? continuePart(head) : beginWhole(head);
+}
+
+std::optional<Fault> DownloadJob::judgeKind(const ResponseHead &head) const
+{
+    const bool fits = isVideo() ? canBeVideo(head.mediaType) : canBeImage(head.mediaType);
+    if (!fits || head.encoded)
+        return permanent(Failure::NotMedia);
+    const auto limit = static_cast<std::int64_t>(options().imageLimit);
+    if (!isVideo() && head.length > limit)
+        return permanent(Failure::ResponseTooLarge);
+    return std::nullopt;
+}
+
+/** Also the answer to a range that the site does not serve, or no longer has. */
+std::optional<Fault> DownloadJob::beginWhole(const ResponseHead &head)
+{
+    if (m_part.size() > 0) {
+        warnNoResume();
+        if (const auto fault = m_part.restart())
+            return fault;
+    }
+    m_end = head.length;
+    if (isVideo())
+        m_part.remember(head.length, head.validator);
+    return expect(head.length);
+}
+
+std::optional<Fault> DownloadJob::continuePart(const ResponseHead &head)
+{
+    if (m_asked == 0)
+        return permanent(Failure::MalformedResponse);
+    const PartFacts &facts = m_part.facts();
+    const bool isSameFile = (head.validator.empty() || head.validator == facts.validator) &&
+                            head.range &&
+                            (head.range->total < 0 || head.range->total == facts.total);
+    if (!isSameFile || head.range->first != m_asked)
+        return startOver();
+    m_end = head.range->last + 1;
+    return expect(facts.total);
+}
+
+/** RFC 9110, section 15.5.17: the size in the answer tells whether there is nothing left to get. */
+std::optional<Fault> DownloadJob::judgeUnsatisfiable(const ResponseHead &head)
+{
+    const bool isWhole = m_part.size() == m_part.facts().total;
+    m_complete = isWhole && head.range && head.range->total == m_part.size();
+    if (m_complete)
+        return expect(m_part.size());
+    return startOver();
+}
+
+/** The site cannot be trusted with ranges of this file: the next try asks for all of it. */
+Fault DownloadJob::startOver()
+{
+    m_part.remember(-1, {});
+    return transient(Failure::RangeMismatch);
+}
+
+std::optional<Fault> DownloadJob::expect(std::int64_t total)
+{
+    m_total = total;
+    if (isVideo() && total > 0 && total != m_sizeReported) {
+        m_sizeReported = total;
+        post(DOWN_STATE_FILE_SIZE, static_cast<double>(total));
+    }
+    if (!m_part.hasSpaceFor(total - m_part.size()))
+        return permanent(Failure::DiskFull);
+    return std::nullopt;
+}
+
+std::optional<Fault> DownloadJob::take(const char *data, std::size_t length)
+{
+    const std::int64_t end = m_part.size() + static_cast<std::int64_t>(length);
+    if (m_end >= 0 && end > m_end)
+        return startOver();
+    if (!isVideo() && end > static_cast<std::int64_t>(options().imageLimit))
+        return permanent(Failure::ResponseTooLarge);
+    const auto fault = m_part.append(data, length);
+    report(Clock::now());
+    return fault;
+}
+
+std::optional<Fault> DownloadJob::complete()
+{
+    if (const auto fault = judgeLength())
+        return fault;
+    const std::int64_t size = m_part.size();
+    if (const auto fault = m_part.commit(target().path()))
+        return fault;
+    target().keep();
+    if (isVideo() && size != m_sizeReported)
+        post(DOWN_STATE_FILE_SIZE, static_cast<double>(size));
+    if (m_meter.isNews(size))
+        post(DOWN_STATE_DOWNLOAD_PROGRESS, static_cast<double>(size));
+    finish({DOWN_STATE_DOWNLOAD_FINISH, static_cast<double>(size)});
+    return std::nullopt;
+}
+
+std::optional<Fault> DownloadJob::judgeLength() const
+{
+    if (m_part.size() == 0)
+        return permanent(Failure::EmptyResponse);
+    if (m_total >= 0 && m_part.size() < m_total)
+        return transient(Failure::ShortBody);
+    return std::nullopt;
+}
+
+void DownloadJob::warnNoResume()
+{
+    if (!m_warned)
+        post(DOWN_STATE_NO_RESUME);
+    m_warned = true;
+}
+
+void DownloadJob::report(Clock::time_point now)
+{
+    if (const auto position = m_meter.progress(m_part.size(), now))
+        post(DOWN_STATE_DOWNLOAD_PROGRESS, static_cast<double>(*position));
+    if (const auto speed = m_meter.speed(m_part.size(), now))
+        post(DOWN_STATE_DOWNLOAD_SPEED, std::max(*speed, 0.0));
+}
+
+} // namespace taskengine

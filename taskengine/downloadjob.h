@@ -1,0 +1,53 @@
+/** Downloads of videos and images. */
+#ifndef VIDEODOWN_TASKENGINE_DOWNLOADJOB_H
+#define VIDEODOWN_TASKENGINE_DOWNLOADJOB_H
+
+#include "taskengine/partfile.h"
+#include "taskengine/progressmeter.h"
+#include "taskengine/transferjob.h"
+
+namespace taskengine {
+
+/** Fetches a file into its part file, from where that ends when the site allows it. */
+class DownloadJob : public TransferJob
+{
+public:
+    using TransferJob::TransferJob;
+
+    Clock::time_point wakeTime() const override;
+
+private:
+    void beginTry() override;
+    void leaveFiles(bool mayContinue) override;
+    void work(Clock::time_point now) override;
+
+    std::optional<Fault> judge(const ResponseHead &head) override;
+    bool isComplete() const override { return m_complete; }
+    std::optional<Fault> take(const char *data, std::size_t length) override;
+    std::optional<Fault> complete() override;
+
+    bool isVideo() const { return request().kind == RequestKind::Video; }
+    std::optional<Fault> openPart();
+    std::optional<Fault> judgeKind(const ResponseHead &head) const;
+    std::optional<Fault> beginWhole(const ResponseHead &head);
+    std::optional<Fault> continuePart(const ResponseHead &head);
+    std::optional<Fault> judgeUnsatisfiable(const ResponseHead &head);
+    std::optional<Fault> expect(std::int64_t total);
+    Fault startOver();
+    std::optional<Fault> judgeLength() const;
+    void warnNoResume();
+    void report(Clock::time_point now);
+
+    PartFile m_part;
+    ProgressMeter m_meter;
+    std::int64_t m_total = -1; ///< bytes of the whole file, -1 while unknown
+    std::int64_t m_end = -1;   ///< where the announced body ends in the file, -1 when unknown
+    std::int64_t m_asked = 0;  ///< where the try asked the site to begin
+    std::int64_t m_sizeReported = -1;
+    bool m_complete = false; ///< the part turned out to be the whole file
+    bool m_warned = false;
+};
+
+} // namespace taskengine
+
+#endif

@@ -1,0 +1,42 @@
+/** Faults: how they are told apart, and which of them may pass. */
+#ifndef VIDEODOWN_TASKENGINE_FAILURE_H
+#define VIDEODOWN_TASKENGINE_FAILURE_H
+
+#include "taskengine/options.h"
+
+#include <chrono>
+#include <curl/curl.h>
+
+namespace taskengine {
+
+/** One thing that went wrong. */
+struct Fault
+{
+    double value = 0;                  ///< HTTP status or `Failure`, as events report it
+    bool transient = false;            ///< a later try may succeed
+    std::chrono::milliseconds wait{0}; ///< least delay that the site asked for
+
+    bool is(Failure failure) const { return value == static_cast<double>(failure); }
+};
+
+/** @return a fault that trying again does not cure */
+Fault permanent(Failure failure);
+
+/** @return a fault that may have gone at the next try */
+Fault transient(Failure failure);
+
+/** @return the fault of an answer whose status is not the wanted one */
+Fault statusFault(CURL *easy);
+
+/**
+ * @param viaProxy whether the connection was to a proxy
+ * @return the fault of a transfer that ended with `code`, other than CURLE_OK
+ */
+Fault transferFault(CURL *easy, CURLcode code, bool viaProxy);
+
+/** @return the fault of a file operation that set `error` (errno) */
+Fault fileFault(int error);
+
+} // namespace taskengine
+
+#endif

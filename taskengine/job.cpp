@@ -1,0 +1,128 @@
+#include "taskengine/job.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace taskengine {
+
+namespace {
+
+constexpr std::int32_t mostTries = 100;
+constexpr std::chrono::milliseconds longestDelay{30000};
+constexpr std::chrono::milliseconds idleInterval{1000};
+
+/** @param next number of the try to wait for, 2 or more */
+std::chrono::milliseconds delayBefore(int next, std::int32_t first)
+{
+    std::chrono::milliseconds delay(std::max<std::int32_t>(first, 0));
+    for (int number = 2; number < next && delay < longestDelay; ++number)
+        delay *= 2;
+    return std::min(delay, longestDelay);
+}
+
+} // namespace
+
+Job::Job(RequestPointer request, const JobContext &context)
+    : m_request(std::move(request)), m_context(context)
+{
+}
+
+void Job::start()
+{
+    const bool isParse = m_request->kind == RequestKind::Parse;
+    post(isParse ? DOWN_STATE_START_PARSE : DOWN_STATE_START_DOWNLOAD);
+    if (m_request->target.fault())
+        fail(*m_request->target.fault());
+    else
+        beginTry();
+}
+
+void Job::stop()
+{
+    cutTry();
+    cleanUp(true);
+    finish({DOWN_STATE_USER_STOP});
+}
+
+void Job::abandon()
+{
+    cutTry();
+    cleanUp(true);
+    m_over = true;
+}
+
+void Job::togglePause()
+{
+    m_paused = !m_paused;
+    if (!m_waiting)
+        setPaused(m_paused);
+}
+
+void Job::tick(Clock::time_point now)
+{
+    if (!m_waiting) {
+        work(now);
+    } else if (!m_paused && now >= m_nextTry) {
+        m_waiting = false;
+        beginTry();
+    }
+}
+
+Clock::time_point Job::wakeTime() const
+{
+    const Clock::time_point idle = Clock::now() + idleInterval;
+    return m_waiting && !m_paused ? std::min(m_nextTry, idle) : idle;
+}
+
+void Job::cleanUp(bool mayContinue)
+{
+    leaveFiles(mayContinue);
+    m_request->target.release();
+}
+
+void Job::post(tagDownloadStateCode code, double value)
+{
+    m_context.events.post(m_request, {code, value});
+}
+
+void Job::fail(const Fault &fault)
+{
+    cutTry();
+    if (mayTryAgain(fault))
+        scheduleTry(fault);
+    else
+        giveUp(fault);
+}
+
+bool Job::mayTryAgain(const Fault &fault) const
+{
+    const std::int32_t tries = std::clamp(m_request->record.nEngineParam2, 1, mostTries);
+    return fault.transient && m_try < tries && isWorthRetrying(fault);
+}
+
+void Job::scheduleTry(const Fault &fault)
+{
+    ++m_try;
+    m_waiting = true;
+    m_nextTry =
+        Clock::now() + std::max(delayBefore(m_try, m_request->record.nEngineParam3), fault.wait);
+    post(DOWN_STATE_RETRY_DOWNLOAD, m_try);
+}
+
+void Job::giveUp(const Fault &fault)
+{
+    const bool isDiskFull = fault.is(Failure::DiskFull);
+    cleanUp(fault.value != 404);
+    if (isDiskFull)
+        post(DOWN_STATE_DISK_NO_SPACE);
+    const bool isParse = m_request->kind == RequestKind::Parse;
+    finish({isParse ? DOWN_STATE_PARSE_FAIL : DOWN_STATE_DOWNLOAD_FAIL, fault.value});
+}
+
+void Job::finish(Event event)
+{
+    m_over = true;
+    m_context.events.post(m_request, std::move(event));
+}
+
+} // namespace taskengine

@@ -1,0 +1,96 @@
+/** The work for one request: tries, delays, pauses and the events that tell about them. */
+#ifndef VIDEODOWN_TASKENGINE_JOB_H
+#define VIDEODOWN_TASKENGINE_JOB_H
+
+#include "taskengine/failure.h"
+#include "taskengine/request.h"
+#include "taskengine/transfer.h"
+
+#include <memory>
+
+namespace taskengine {
+
+/** What jobs share. */
+struct JobContext
+{
+    CURLM *multi;
+    EventDispatcher &events;
+};
+
+/**
+ * Lives on the transfer thread, from the start of its request until its terminal event is queued.
+ * Files are in their final state before that.
+ */
+class Job
+{
+public:
+    /** @return the job for this kind of request */
+    static std::unique_ptr<Job> create(const RequestPointer &request, const JobContext &context);
+
+    Job(RequestPointer request, const JobContext &context);
+    Job(const Job &) = delete;
+    Job &operator=(const Job &) = delete;
+    virtual ~Job() = default;
+
+    void start();
+    void stop();
+    void togglePause();
+
+    /** Ends without an event, when the engine quits. */
+    void abandon();
+
+    /** Does what has become due. */
+    void tick(Clock::time_point now);
+
+    /** @return when `tick` is needed next at the latest */
+    virtual Clock::time_point wakeTime() const;
+
+    /** @return a descriptor whose input `tick` reads, or -1 */
+    virtual int inputDescriptor() const { return -1; }
+
+    bool isOver() const { return m_over; }
+
+protected:
+    const Request &request() const { return *m_request; }
+    const Options &options() const { return *m_request->options; }
+    TargetFile &target() { return m_request->target; }
+    CURLM *multi() const { return m_context.multi; }
+    bool isPaused() const { return m_paused; }
+
+    void post(tagDownloadStateCode code, double value = 0);
+
+    /** Ends the try: with another one after a delay, if the fault allows it, or the request. */
+    void fail(const Fault &fault);
+
+    /** Ends the request with this event. */
+    void finish(Event event);
+
+private:
+    /** Begins a try. May call `fail` or `finish`. */
+    virtual void beginTry() = 0;
+    /** Ends what the try has going on; its results stay. */
+    virtual void cutTry() = 0;
+    /** Leaves the files as they shall stay. @param mayContinue a later request could go on */
+    virtual void leaveFiles(bool) {}
+    virtual void work(Clock::time_point now) = 0;
+    virtual void setPaused(bool paused) = 0;
+    /** @return whether a fault that may pass is worth another try */
+    virtual bool isWorthRetrying(const Fault &) const { return true; }
+
+    void cleanUp(bool mayContinue);
+    bool mayTryAgain(const Fault &fault) const;
+    void scheduleTry(const Fault &fault);
+    void giveUp(const Fault &fault);
+
+    const RequestPointer m_request;
+    const JobContext m_context;
+    int m_try = 1;
+    bool m_waiting = false; ///< for `m_nextTry`
+    bool m_paused = false;
+    bool m_over = false;
+    Clock::time_point m_nextTry;
+};
+
+} // namespace taskengine
+
+#endif

@@ -1,0 +1,45 @@
+#include "taskengine/options.h"
+
+#include "taskengine/settings.h"
+
+#include <mutex>
+#include <utility>
+
+namespace taskengine {
+
+namespace {
+
+/** Never destroyed: threads of the application may still read it while the process ends. */
+struct Settings
+{
+    std::mutex mutex;
+    std::shared_ptr<const Options> options = std::make_shared<Options>();
+};
+
+Settings &settings()
+{
+    static auto *instance = new Settings;
+    return *instance;
+}
+
+} // namespace
+
+void setOptions(const Options &options)
+{
+    auto copy = std::make_shared<const Options>(options);
+    const std::lock_guard<std::mutex> lock(settings().mutex);
+    settings().options = std::move(copy);
+}
+
+Options options()
+{
+    return *currentOptions();
+}
+
+std::shared_ptr<const Options> currentOptions()
+{
+    const std::lock_guard<std::mutex> lock(settings().mutex);
+    return settings().options;
+}
+
+} // namespace taskengine

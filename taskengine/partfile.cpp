@@ -1,0 +1,216 @@
+#include "taskengine/partfile.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <fstream>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+namespace taskengine {
+
+namespace {
+
+constexpr const char *factsHeading = "videodown part 1";
+constexpr const char *partSuffix = ".part";
+constexpr const char *factsSuffix = ".part-info";
+
+std::string folderOf(const std::string &path)
+{
+    return path.substr(0, path.rfind('/') + 1);
+}
+
+std::size_t longestName(const std::string &folder)
+{
+    const long longest = ::pathconf(folder.empty() ? "." : folder.c_str(), _PC_NAME_MAX);
+    return longest > 0 ? static_cast<std::size_t>(longest) : 255;
+}
+
+/** FNV-1a, 64 bits: keeps apart the names that begin alike. */
+std::string nameHash(const std::string &name)
+{
+    std::uint64_t hash = 14695981039346656037U;
+    for (const char character : name)
+        hash = (hash ^ static_cast<unsigned char>(character)) * 1099511628211U;
+    char text[17] = {};
+    std::snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(hash));
+    return text;
+}
+
+/** Leaves room for what the names of the part and its facts add to it. */
+std::string shortened(const std::string &name, std::size_t longest)
+{
+    const std::size_t added = 1 + std::char_traits<char>::length(factsSuffix);
+    if (name.size() + added <= longest)
+        return name;
+    const std::string hash = nameHash(name);
+    const std::size_t taken = added + 1 + hash.size();
+    return name.substr(0, longest > taken ? longest - taken : 0) + "~" + hash;
+}
+
+bool isSameFile(int file, const std::string &path)
+{
+    struct stat opened = {};
+    struct stat named = {};
+    return ::fstat(file, &opened) == 0 && ::lstat(path.c_str(), &named) == 0 &&
+           opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
+}
+
+int openNoFollow(const std::string &path, int flags)
+{
+    return ::open(path.c_str(), flags | O_CLOEXEC | O_NOFOLLOW, 0666);
+}
+
+} // namespace
+
+PartFile::~PartFile()
+{
+    close();
+}
+
+std::optional<Fault> PartFile::open(const std::string &target, const std::string &key)
+{
+    const std::string folder = folderOf(target);
+    const std::string name = shortened(target.substr(folder.size()), longestName(folder));
+    m_path = folder + name + partSuffix;
+    m_factsPath = folder + "." + name + factsSuffix;
+    m_key = key;
+    if (const auto fault = openLocked())
+        return fault;
+    m_size = ::lseek(m_file, 0, SEEK_END);
+    loadFacts();
+    return canContinue() ? std::nullopt : restart();
+}
+
+/** Who held the lock before may have renamed or removed the file meanwhile: then look again. */
+std::optional<Fault> PartFile::openLocked()
+{
+    for (;;) {
+        m_file = openNoFollow(m_path, O_RDWR | O_CREAT);
+        if (m_file < 0)
+            return fileFault(errno);
+        // A file system without locks is no reason not to download.
+        if (::flock(m_file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+            close();
+            return permanent(Failure::FileInUse);
+        }
+        if (isSameFile(m_file, m_path))
+            return std::nullopt;
+        close();
+    }
+}
+
+void PartFile::loadFacts()
+{
+    m_facts = {};
+    std::ifstream file(m_factsPath);
+    std::string heading;
+    PartFacts facts;
+    std::getline(file, heading);
+    std::getline(file, facts.key);
+    std::getline(file, facts.validator);
+    file >> facts.total;
+    if (file && heading == factsHeading && facts.key == m_key)
+        m_facts = facts;
+}
+
+bool PartFile::canContinue() const
+{
+    return m_size > 0 && !m_facts.validator.empty() && m_size <= m_facts.total;
+}
+
+std::optional<Fault> PartFile::restart()
+{
+    ::unlink(m_factsPath.c_str());
+    m_facts = {};
+    if (::ftruncate(m_file, 0) != 0 || ::lseek(m_file, 0, SEEK_SET) != 0)
+        return fileFault(errno);
+    m_size = 0;
+    return std::nullopt;
+}
+
+/** Facts that cannot be noted only cost a later request its head start. */
+void PartFile::remember(std::int64_t total, const std::string &validator)
+{
+    m_facts = {m_key, total, validator};
+    ::unlink(m_factsPath.c_str());
+    if (validator.empty() || total < 0)
+        return;
+    const std::string text = std::string(factsHeading) + "\n" + m_key + "\n" + validator + "\n" +
+                             std::to_string(total) + "\n";
+    const int file = openNoFollow(m_factsPath, O_WRONLY | O_CREAT | O_EXCL);
+    if (file < 0)
+        return;
+    const bool written =
+        ::write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+    if (::close(file) != 0 || !written)
+        ::unlink(m_factsPath.c_str());
+}
+
+std::optional<Fault> PartFile::append(const char *data, std::size_t length)
+{
+    while (length > 0) {
+        const ssize_t written = ::write(m_file, data, length);
+        if (written < 0 && errno != EINTR)
+            return fileFault(errno);
+        if (written <= 0)
+            continue;
+        data += written;
+        length -= static_cast<std::size_t>(written);
+        m_size += written;
+    }
+    return std::nullopt;
+}
+
+bool PartFile::hasSpaceFor(std::int64_t bytes) const
+{
+    struct statvfs system = {};
+    if (bytes <= 0 || ::fstatvfs(m_file, &system) != 0 || system.f_blocks == 0)
+        return true; // some network file systems do not tell
+    return static_cast<std::uint64_t>(bytes) / system.f_frsize <= system.f_bavail;
+}
+
+/** The copy of the descriptor holds the lock until the name has changed. */
+std::optional<Fault> PartFile::commit(const std::string &target)
+{
+    const int lock = ::dup(m_file);
+    if (lock < 0)
+        return fileFault(errno);
+    const int closed = ::close(m_file);
+    m_file = lock;
+    if (closed != 0)
+        return fileFault(errno);
+    if (std::rename(m_path.c_str(), target.c_str()) != 0)
+        return permanent(Failure::FileNotWritable);
+    ::unlink(m_factsPath.c_str());
+    close();
+    return std::nullopt;
+}
+
+void PartFile::keep()
+{
+    if (canContinue())
+        close();
+    else
+        discard();
+}
+
+void PartFile::discard()
+{
+    if (m_file < 0)
+        return;
+    ::unlink(m_factsPath.c_str());
+    ::unlink(m_path.c_str());
+    close();
+}
+
+void PartFile::close()
+{
+    if (m_file >= 0)
+        ::close(m_file);
+    m_file = -1;
+}
+
+} // namespace taskengine

@@ -1,0 +1,81 @@
+/** The unfinished file of a download, and what is known about it. */
+#ifndef VIDEODOWN_TASKENGINE_PARTFILE_H
+#define VIDEODOWN_TASKENGINE_PARTFILE_H
+
+#include "taskengine/failure.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace taskengine {
+
+/** What must still hold for a part file to be continued. */
+struct PartFacts
+{
+    std::string key;         ///< key of the request; names the video, whatever its address is now
+    std::int64_t total = -1; ///< bytes of the whole file
+    std::string validator;   ///< strong validator of the site for exactly this file
+};
+
+/**
+ * A file beside the target that becomes the target when it is complete. Locked while it is open, so
+ * that two requests (or processes) never write the same one.
+ */
+class PartFile
+{
+public:
+    PartFile() = default;
+    PartFile(const PartFile &) = delete;
+    PartFile &operator=(const PartFile &) = delete;
+    ~PartFile();
+
+    /**
+     * Opens or creates the part file of `target`. Unless its facts are of `key`, and allow to go
+     * on, it starts out empty.
+     */
+    std::optional<Fault> open(const std::string &target, const std::string &key);
+
+    bool isOpen() const { return m_file >= 0; }
+    std::int64_t size() const { return m_size; }
+    const PartFacts &facts() const { return m_facts; }
+
+    /** @return whether the site can be asked for the rest */
+    bool canContinue() const;
+
+    /** Empties the file and forgets what is known about it. */
+    std::optional<Fault> restart();
+
+    /** Notes the facts beside the file, for this and later requests. An empty validator: none. */
+    void remember(std::int64_t total, const std::string &validator);
+
+    std::optional<Fault> append(const char *data, std::size_t length);
+
+    /** @return whether the file system has `bytes` left */
+    bool hasSpaceFor(std::int64_t bytes) const;
+
+    /** Makes the file the target. */
+    std::optional<Fault> commit(const std::string &target);
+
+    /** Closes the file and leaves it for a later request, if one could go on with it. */
+    void keep();
+
+    /** Closes and removes the file. */
+    void discard();
+
+private:
+    std::optional<Fault> openLocked();
+    void loadFacts();
+    void close();
+
+    std::string m_path;
+    std::string m_factsPath;
+    PartFacts m_facts;
+    std::string m_key;
+    std::int64_t m_size = 0;
+    int m_file = -1;
+};
+
+} // namespace taskengine
+
+#endif

@@ -1,0 +1,212 @@
+#include "taskengine/transfer.h"
+
+namespace taskengine {
+
+namespace {
+
+constexpr long receiveBuffer = 256L * 1024;
+constexpr long mostRedirects = 10;
+constexpr std::size_t mostHeaderBytes = std::size_t{256} * 1024;
+constexpr const char *protocols = "http,https";
+constexpr const char *userAgent = "videodown/0.1";
+
+long proxyType(std::int32_t type)
+{
+    switch (static_cast<ProxyType>(type)) {
+    case ProxyType::Socks5:
+        return CURLPROXY_SOCKS5;
+    case ProxyType::Socks5RemoteNames:
+        return CURLPROXY_SOCKS5_HOSTNAME;
+    default:
+        return CURLPROXY_HTTP;
+    }
+}
+
+/** A bare IPv6 address would be read as host and port. */
+std::string proxyHost(const char *text)
+{
+    const std::string host = text;
+    const bool isBare = host.find(':') != std::string::npos && host.front() != '[';
+    return isBare ? "[" + host + "]" : host;
+}
+
+} // namespace
+
+Transfer::Transfer(CURLM *multi, TransferClient &client, const tagTaskInfo &record,
+                   const Options &options)
+    : m_multi(multi),
+      m_client(client),
+      m_record(record),
+      m_options(options),
+      m_easy(curl_easy_init())
+{
+}
+
+Transfer::~Transfer()
+{
+    cancel();
+}
+
+bool Transfer::start(const TransferRequest &request)
+{
+    if (!m_easy)
+        return false;
+    CURL *easy = m_easy.get();
+    curl_easy_reset(easy);
+    m_began = false;
+    m_headerBytes = 0;
+    curl_easy_setopt(easy, CURLOPT_PRIVATE, this);
+    curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, onWrite);
+    curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
+    curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, onHeader);
+    curl_easy_setopt(easy, CURLOPT_HEADERDATA, this);
+    setLimits();
+    setProxy();
+    if (curl_easy_setopt(easy, CURLOPT_URL, request.address.c_str()) != CURLE_OK ||
+        !setRange(request))
+        return false;
+    restartSpeedCheck(Clock::now());
+    m_running = curl_multi_add_handle(m_multi, easy) == CURLM_OK;
+    return m_running;
+}
+
+void Transfer::setLimits()
+{
+    CURL *easy = m_easy.get();
+    curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, protocols);
+    curl_easy_setopt(easy, CURLOPT_REDIR_PROTOCOLS_STR, protocols);
+    curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 1L);
+    curl_easy_setopt(easy, CURLOPT_MAXREDIRS, mostRedirects);
+    // Each transfer gets a connection of its own: a paused one must not hold up its neighbours.
+    curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+    curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS,
+                     static_cast<long>(m_options.connectTimeLimit.count()));
+    curl_easy_setopt(easy, CURLOPT_BUFFERSIZE, receiveBuffer);
+    curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
+    // Cancelling must not wait for a name server.
+    curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
+    curl_easy_setopt(easy, CURLOPT_USERAGENT, userAgent);
+    curl_easy_setopt(easy, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+    if (!m_options.caFile.empty())
+        curl_easy_setopt(easy, CURLOPT_CAINFO, m_options.caFile.c_str());
+}
+
+/** Empty texts rather than none: those would let the environment name a proxy. */
+void Transfer::setProxy()
+{
+    CURL *easy = m_easy.get();
+    const tagProxyParam &proxy = m_record.proxyParam;
+    curl_easy_setopt(easy, CURLOPT_NOPROXY, "");
+    if (m_record.nProxySet != 1) {
+        curl_easy_setopt(easy, CURLOPT_PROXY, "");
+        return;
+    }
+    curl_easy_setopt(easy, CURLOPT_PROXY, proxyHost(proxy.szProxyText1).c_str());
+    curl_easy_setopt(easy, CURLOPT_PROXYPORT, static_cast<long>(proxy.nProxyValue1));
+    curl_easy_setopt(easy, CURLOPT_PROXYTYPE, proxyType(proxy.nProxyValue2));
+    if (proxy.szProxyText2[0] == '\0')
+        return;
+    curl_easy_setopt(easy, CURLOPT_PROXYUSERNAME, proxy.szProxyText2);
+    curl_easy_setopt(easy, CURLOPT_PROXYPASSWORD, proxy.szProxyText3);
+}
+
+bool Transfer::setRange(const TransferRequest &request)
+{
+    m_headers.reset();
+    if (request.offset == 0)
+        return true;
+    m_headers.reset(curl_slist_append(nullptr, ("If-Range: " + request.validator).c_str()));
+    curl_easy_setopt(m_easy.get(), CURLOPT_HTTPHEADER, m_headers.get());
+    // Not CURLOPT_RESUME_FROM, which takes any whole answer for an error.
+    const std::string range = std::to_string(request.offset) + "-";
+    return m_headers && curl_easy_setopt(m_easy.get(), CURLOPT_RANGE, range.c_str()) == CURLE_OK;
+}
+
+void Transfer::cancel()
+{
+    if (m_running)
+        curl_multi_remove_handle(m_multi, m_easy.get());
+    m_running = false;
+}
+
+void Transfer::end(CURLcode code)
+{
+    if (!m_running)
+        return;
+    cancel();
+    if (code == CURLE_OK && !m_began && !m_client.responseBegan())
+        code = CURLE_WRITE_ERROR;
+    m_client.transferEnded(code);
+}
+
+/**
+ * Before the body `write` alone holds back what arrives: curl forgets a pause while connecting, and
+ * header lines that it keeps back in one come out as a single line, without those that `judge`
+ * needs.
+ */
+void Transfer::setPaused(bool paused)
+{
+    m_paused = paused;
+    restartSpeedCheck(Clock::now());
+    if (!m_running || (paused && !m_began))
+        return;
+    const CURLcode code = curl_easy_pause(m_easy.get(), paused ? CURLPAUSE_RECV : CURLPAUSE_CONT);
+    if (code != CURLE_OK)
+        end(code);
+}
+
+/** curl's own check would count the pause that has just ended. */
+void Transfer::checkSpeed(Clock::time_point now)
+{
+    const auto window = m_options.lowSpeedTime;
+    if (!m_running || m_paused || window.count() <= 0 || now - m_speedSince < window)
+        return;
+    const std::uint64_t wanted =
+        m_options.lowSpeedLimit * static_cast<std::uint64_t>(window.count()) / 1000;
+    const bool tooSlow = m_speedBytes < wanted && isConnected();
+    restartSpeedCheck(now);
+    if (tooSlow)
+        end(CURLE_OPERATION_TIMEDOUT);
+}
+
+/** Connecting has its own limit. */
+bool Transfer::isConnected() const
+{
+    curl_off_t ready = 0;
+    curl_easy_getinfo(m_easy.get(), CURLINFO_PRETRANSFER_TIME_T, &ready);
+    return ready > 0;
+}
+
+void Transfer::restartSpeedCheck(Clock::time_point now)
+{
+    m_speedSince = now;
+    m_speedBytes = 0;
+}
+
+std::size_t Transfer::write(const char *data, std::size_t length)
+{
+    if (m_paused)
+        return CURL_WRITEFUNC_PAUSE;
+    if (!m_began) {
+        m_began = true;
+        if (!m_client.responseBegan())
+            return CURL_WRITEFUNC_ERROR;
+    }
+    m_speedBytes += length;
+    return m_client.received(data, length) ? length : CURL_WRITEFUNC_ERROR;
+}
+
+std::size_t Transfer::onWrite(char *data, std::size_t size, std::size_t count, void *self)
+{
+    return static_cast<Transfer *>(self)->write(data, size * count);
+}
+
+/** curl keeps every header until the transfer ends, so somebody has to count them. */
+std::size_t Transfer::onHeader(char *, std::size_t size, std::size_t count, void *self)
+{
+    auto *transfer = static_cast<Transfer *>(self);
+    transfer->m_headerBytes += size * count;
+    return transfer->m_headerBytes <= mostHeaderBytes ? size * count : 0;
+}
+
+} // namespace taskengine

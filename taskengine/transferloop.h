@@ -1,0 +1,57 @@
+/** The transfer thread. */
+#ifndef VIDEODOWN_TASKENGINE_TRANSFERLOOP_H
+#define VIDEODOWN_TASKENGINE_TRANSFERLOOP_H
+
+#include "taskengine/job.h"
+
+#include <atomic>
+#include <mutex>
+#include <thread>
+#include <unordered_map>
+#include <vector>
+
+namespace taskengine {
+
+/** Owns the jobs and the multi handle; everything below runs on its one thread. */
+class TransferLoop
+{
+public:
+    /** Starts the thread. @throws std::system_error, std::bad_alloc */
+    TransferLoop(std::shared_ptr<RequestTable> table, EventDispatcher &events);
+    TransferLoop(const TransferLoop &) = delete;
+    TransferLoop &operator=(const TransferLoop &) = delete;
+    ~TransferLoop();
+
+    /** Makes the thread look for commands. Any thread. */
+    void wake();
+
+    /** Ends all jobs without events, and the thread. Any thread but a job's; may be repeated. */
+    void stop();
+
+private:
+    struct MultiDeleter
+    {
+        void operator()(CURLM *multi) const { curl_multi_cleanup(multi); }
+    };
+
+    void run();
+    void step();
+    void runCommands();
+    void runCommand(const Command &command);
+    void readResults();
+    void tickJobs();
+    void waitForWork();
+
+    const std::shared_ptr<RequestTable> m_table;
+    EventDispatcher &m_events;
+    const std::unique_ptr<CURLM, MultiDeleter> m_multi;
+    std::atomic<bool> m_stopping{false};
+    std::unordered_map<const Request *, std::unique_ptr<Job>> m_jobs; ///< the thread's own
+    std::vector<curl_waitfd> m_inputs;                                ///< the thread's own
+    std::mutex m_joinMutex; ///< protects `m_thread` against being joined twice
+    std::thread m_thread;
+};
+
+} // namespace taskengine
+
+#endif
