@@ -1,0 +1,286 @@
+#include "commandline.h"
+
+#include "arguments.h"
+#include "commandtexts.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+
+#include <utility>
+
+namespace {
+
+constexpr int mostJobs = 100;
+
+QString text(const char *utf8)
+{
+    return QString::fromUtf8(utf8);
+}
+
+QCommandLineOption option(const QStringList &names, const char *description, const char *value = "")
+{
+    return {names, text(description), text(value)};
+}
+
+// One command's options and what they say. `parse` first, then the readers.
+class CommandParser
+{
+public:
+    explicit CommandParser(const CommandText &command) : m_command(command)
+    {
+        m_parser.addOption(m_help);
+        const std::pair<unsigned, QList<QCommandLineOption>> groups[] = {
+            {FormatOptions, {m_format}},
+            {WishOptions, {m_from, m_keepSource}},
+            {ConnectionOptions, {m_proxy, m_infoCommand}},
+            {ReportOptions, {m_json, m_quiet}},
+            {JsonOption, {m_json}},
+            {FolderOptions, {m_output, m_downloads, m_again}},
+            {TransferOptions, {m_jobs, m_noThumbnails, m_progress}},
+            {DeleteOption, {m_deleteFiles}},
+            {ConvertOption, {m_convert}},
+            {HistoryOptions, {m_history}}};
+        for (const auto &[group, options] : groups) {
+            if (takes(group))
+                m_parser.addOptions(options);
+        }
+        m_parser.setApplicationDescription(text(command.description));
+        if (takes(WishOptions))
+            m_parser.addPositionalArgument(text("ADDRESS"), text("The address of a video page."));
+        else if (m_command.mostArguments != 0)
+            m_parser.addPositionalArgument(
+                text("TASK"), text("A page's address, or the beginning of a task's key."));
+    }
+
+    std::variant<CommandLine, Answer> read(const QStringList &arguments)
+    {
+        if (!m_parser.parse(arguments))
+            return wrong(m_parser.errorText());
+        if (m_parser.isSet(m_help))
+            return Answer{help(), false};
+        m_line.command = m_command.command;
+        readSwitches();
+        readFormat();
+        if (takes(ConnectionOptions))
+            readConnection();
+        if (takes(FolderOptions)) {
+            m_line.outputFolder = named(m_output);
+            m_line.downloadFolder = named(m_downloads);
+        }
+        if (takes(TransferOptions))
+            readTransfer();
+        if (takes(HistoryOptions))
+            m_line.historyFile = named(m_history);
+        if (m_wrong.isEmpty())
+            readArguments();
+        return m_wrong.isEmpty() ? std::variant<CommandLine, Answer>(m_line) : wrong(m_wrong);
+    }
+
+    QString help() const
+    {
+        // The parser knows nothing of commands: its usage line gives way to ours.
+        return QStringLiteral("Usage: ") + text(m_command.usage) + u'\n' +
+               m_parser.helpText().section(u'\n', 1);
+    }
+
+private:
+    Answer wrong(const QString &why) const
+    {
+        return {QStringLiteral("%1\nTry: videodown help %2")
+                    .arg(why, text(m_command.usage).section(u' ', 1, 1)),
+                true};
+    }
+
+    // Takes an option's value over when it is set and right; notes the first wrong one.
+    template <typename Value, typename Target>
+    void take(const QCommandLineOption &from, const arguments::Read<Value> &read, Target &target)
+    {
+        if (const auto *value = std::get_if<Value>(&read))
+            target = *value;
+        else if (m_wrong.isEmpty())
+            m_wrong = QStringLiteral("--%1: %2")
+                          .arg(from.names().constLast(), std::get<arguments::Wrong>(read).why);
+    }
+
+    bool takes(unsigned group) const { return (m_command.options & group) != 0; }
+
+    void readSwitches()
+    {
+        const auto isOn = [this](unsigned group, const QCommandLineOption &option) {
+            return takes(group) && m_parser.isSet(option);
+        };
+        m_line.keepSource = isOn(WishOptions, m_keepSource);
+        m_line.json = isOn(ReportOptions | JsonOption, m_json);
+        m_line.quiet = isOn(ReportOptions, m_quiet);
+        m_line.again = isOn(FolderOptions, m_again);
+        m_line.convert = isOn(ConvertOption, m_convert);
+        if (m_line.convert && m_line.keepSource)
+            m_wrong = text("--convert: a kept source is not converted");
+        m_line.deleteFiles = isOn(DeleteOption, m_deleteFiles);
+        m_line.thumbnails = !isOn(TransferOptions, m_noThumbnails);
+    }
+
+    void readFormat()
+    {
+        if (takes(FormatOptions) && m_parser.isSet(m_format))
+            take(m_format, arguments::profile(m_parser.value(m_format)), m_line.profile);
+        m_line.profile.includeVideo = true;
+        m_line.profile.includeAudio = true;
+        if (m_command.command == Command::Upgrade && m_line.profile.vSize_Width == 0 &&
+            m_wrong.isEmpty())
+            m_wrong = text("--format: say how large the picture is to be, as in mp4:1280x720");
+    }
+
+    void readConnection()
+    {
+        if (m_parser.isSet(m_proxy))
+            take(m_proxy, arguments::proxy(m_parser.value(m_proxy)), m_line.proxy);
+        if (m_parser.isSet(m_infoCommand))
+            take(m_infoCommand, arguments::command(m_parser.value(m_infoCommand)),
+                 m_line.videoInfoCommand);
+    }
+
+    void readTransfer()
+    {
+        if (m_parser.isSet(m_jobs))
+            take(m_jobs, arguments::count(m_parser.value(m_jobs), mostJobs), m_line.jobs);
+        const QStringList modes{text("auto"), text("always"), text("never")};
+        const auto mode = modes.indexOf(m_parser.value(m_progress));
+        if (mode < 0 && m_wrong.isEmpty())
+            m_wrong = QStringLiteral("--progress: \"%1\" is none of auto, always and never")
+                          .arg(m_parser.value(m_progress));
+        m_line.progress = static_cast<ProgressMode>(mode);
+    }
+
+    QString named(const QCommandLineOption &from)
+    {
+        QString name = m_parser.value(from);
+        if (m_parser.isSet(from) && name.isEmpty() && m_wrong.isEmpty())
+            m_wrong = QStringLiteral("--%1: the name is empty").arg(from.names().constLast());
+        return name;
+    }
+
+    void readArguments()
+    {
+        m_line.arguments = m_parser.positionalArguments();
+        const qsizetype given = m_line.arguments.size();
+        if (given < m_command.leastArguments)
+            m_wrong = text("too few arguments");
+        else if (m_command.mostArguments >= 0 && given > m_command.mostArguments)
+            m_wrong = text("too many arguments");
+        else if (m_command.command == Command::Rename)
+            m_line.newName = m_line.arguments.takeLast();
+        else if (takes(WishOptions))
+            readLists();
+    }
+
+    void readLists()
+    {
+        for (const QString &name : m_parser.values(m_from)) {
+            QStringList listed;
+            take(m_from, arguments::listFile(name), listed);
+            m_line.arguments += listed;
+        }
+        if (m_wrong.isEmpty() && m_line.arguments.isEmpty())
+            m_wrong = QStringLiteral("no address given");
+    }
+
+    const CommandText &m_command;
+    QCommandLineParser m_parser;
+    CommandLine m_line;
+    QString m_wrong;
+
+    const QCommandLineOption m_help = option({text("h"), text("help")}, "Show this help.");
+    const QCommandLineOption m_from = option(
+        {text("from")},
+        "Also take the addresses in this file, one a line; blank lines and those that begin with "
+        "\"#\" are skipped. \"-\" is standard input.",
+        "file");
+    const QCommandLineOption m_format = option(
+        {text("f"), text("format")},
+        "The wanted file: its extension and, if it matters, the size of the picture, as in "
+        "mp4:1280x720. Chosen is the format of this size, else the next larger one, else the "
+        "largest. Without a size: the largest with this extension. Without this option: the "
+        "largest of all. Nothing is converted without --convert.",
+        "ext[:WxH]");
+    const QCommandLineOption m_keepSource =
+        option({text("keep-source")},
+               "Deliver the file in the output folder as the site has it; without -f, the best FLV "
+               "format where the site has one.");
+    const QCommandLineOption m_proxy =
+        option({text("proxy")},
+               "Use this proxy: [http|socks5|socks5h://][user:password@]host:port. With socks5h, "
+               "the proxy looks host names up.",
+               "proxy");
+    const QCommandLineOption m_infoCommand = option(
+        {text("video-info-command")},
+        "Run this command, with a page's address added, to learn what a video offers. It prints "
+        "\"key=value\" lines. No shell is used; double quotes hold words together.",
+        "command");
+    const QCommandLineOption m_json =
+        option({text("json")}, "Print one JSON object a line on standard output for each task.");
+    const QCommandLineOption m_quiet =
+        option({text("q"), text("quiet")}, "Only tell what went wrong.");
+    const QCommandLineOption m_output = option(
+        {text("o"), text("output")},
+        "The output folder, made when it is missing. Default: the current folder.", "folder");
+    const QCommandLineOption m_downloads =
+        option({text("downloads")},
+               "Where videos and thumbnails are written while they load, made when it is missing. "
+               "With --keep-source, finished videos are copied from there to the output folder; "
+               "otherwise they stay there. Default: the output folder.",
+               "folder");
+    const QCommandLineOption m_again =
+        option({text("again")}, "Also download what is there already.");
+    const QCommandLineOption m_deleteFiles =
+        option({text("delete-files")},
+               "Also delete the files of the tasks: video, copy, thumbnail, and what a broken-off "
+               "download left.");
+    const QCommandLineOption m_convert =
+        option({text("convert")},
+               "Convert what the site does not have in the wanted format, with ffmpeg. The "
+               "converted file goes to the output folder; the downloaded one stays.");
+    const QCommandLineOption m_history =
+        option({text("history")},
+               "The history file, made when it is missing. Default: videodown/history.xml in the "
+               "user's data folder ($XDG_DATA_HOME, or ~/.local/share).",
+               "file");
+    const QCommandLineOption m_jobs = option(
+        {text("j"), text("jobs")}, "How many videos at once, 1 to 100. Default: 3.", "number");
+    const QCommandLineOption m_noThumbnails =
+        option({text("no-thumbnails")}, "Do not fetch the videos' thumbnails.");
+    const QCommandLineOption m_progress{
+        {text("progress")},
+        text("Show progress: \"always\" as bars, \"never\", or \"auto\": as bars on a terminal, "
+             "as lines elsewhere. Default: auto."),
+        text("when"),
+        text("auto")};
+};
+
+Answer helpOn(const QString &name)
+{
+    if (const CommandText *command = commandNamed(name))
+        return {CommandParser(*command).help(), false};
+    if (name.isEmpty())
+        return {text(overviewText), false};
+    return {QStringLiteral("there is no command \"%1\"\nTry: videodown help").arg(name), true};
+}
+
+} // namespace
+
+std::variant<CommandLine, Answer> readCommandLine(const QStringList &arguments)
+{
+    const QString name = arguments.value(1);
+    if (const CommandText *command = commandNamed(name))
+        return CommandParser(*command).read(arguments.mid(1));
+    if (name == QLatin1String("-v") || name == QLatin1String("--version"))
+        return Answer{QStringLiteral("videodown %1\n").arg(QCoreApplication::applicationVersion()),
+                      false};
+    if (name == QLatin1String("-h") || name == QLatin1String("--help"))
+        return helpOn({});
+    if (name == QLatin1String("help"))
+        return helpOn(arguments.value(2));
+    if (name.isEmpty())
+        return Answer{QStringLiteral("no command given\nTry: videodown help"), true};
+    return helpOn(name);
+}

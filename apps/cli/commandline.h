@@ -1,0 +1,49 @@
+/** The command line, understood. */
+#ifndef VIDEODOWN_CLI_COMMANDLINE_H
+#define VIDEODOWN_CLI_COMMANDLINE_H
+
+#include "driver/downloadtask.h"
+#include "engine/taskengine.h"
+#include "progressview.h"
+
+#include <QStringList>
+
+#include <optional>
+#include <variant>
+
+enum class Command { Get, Formats, List, Show, Resume, Retry, Upgrade, Rename, Remove };
+
+/** What is to be done; folders are as they were typed. */
+struct CommandLine
+{
+    Command command = Command::Get;
+    QStringList arguments;  ///< page addresses, or what names tasks
+    QString newName;        ///< to rename to
+    QString outputFolder;   ///< empty: the current folder
+    QString downloadFolder; ///< empty: the output folder
+    Profile_Desc profile;   ///< open where the user left it open
+    bool keepSource = false;
+    int jobs = 3;
+    bool thumbnails = true;
+    bool json = false;
+    bool quiet = false;
+    ProgressMode progress = ProgressMode::Auto;
+    bool again = false;       ///< also what is there already
+    bool deleteFiles = false; ///< of removed tasks
+    bool convert = false;     ///< what is not in the wanted form
+    QString historyFile;      ///< empty: the usual one
+    std::optional<tagProxyParam> proxy;
+    QStringList videoInfoCommand; ///< empty: the site is asked itself
+};
+
+/** A text that answers the command line already: help, the version, or what is wrong. */
+struct Answer
+{
+    QString text;
+    bool isError = false;
+};
+
+/** @param arguments the program's, its name included */
+std::variant<CommandLine, Answer> readCommandLine(const QStringList &arguments);
+
+#endif

@@ -1,0 +1,126 @@
+#include "listcommand.h"
+
+#include "conversions.h"
+#include "driver/taskrecord.h"
+#include "jsonline.h"
+#include "standardstreams.h"
+#include "stored.h"
+#include "terminaltext.h"
+
+#include <QDomDocument>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace {
+
+constexpr qsizetype shownKey = 8;
+
+ExitStatus write(const QByteArray &text)
+{
+    return {standardstreams::writeOutput(text) == 0 ? ExitDone : ExitFailed, 0};
+}
+
+QJsonObject summary(const CXMLInfo &record)
+{
+    return {{QStringLiteral("schema"), 1},
+            {QStringLiteral("key"), record.MD5Code},
+            {QStringLiteral("address"), record.OrgWebSite},
+            {QStringLiteral("title"), record.Title},
+            {QStringLiteral("state"), stored::stateName(record)},
+            {QStringLiteral("bytes"), record.FileSize},
+            {QStringLiteral("date"), record.DownLoadDate.toString(Qt::ISODate)},
+            {QStringLiteral("path"), taskrecord::outputPath(record)}};
+}
+
+QByteArray row(const CXMLInfo &record)
+{
+    const QString size = record.FileSize > 0 ? terminaltext::size(record.FileSize) : QString();
+    const QString text =
+        QStringLiteral("%1  %2  %3  %4  ")
+            .arg(record.MD5Code.left(shownKey), stored::stateName(record).leftJustified(11),
+                 size.rightJustified(10),
+                 record.DownLoadDate.toString(QStringLiteral("yyyy-MM-dd HH:mm")));
+    return standardstreams::shown(text + stored::titleOf(record)).toUtf8() + '\n';
+}
+
+// Every field, under the name and in the form that it has in the history file.
+QList<std::pair<QString, QString>> fieldsBelow(const QDomElement &parent)
+{
+    QList<std::pair<QString, QString>> fields;
+    for (QDomElement field = parent.firstChildElement(); !field.isNull();
+         field = field.nextSiblingElement()) {
+        if (field.firstChildElement().isNull())
+            fields.append({field.nodeName(), field.text()});
+    }
+    return fields;
+}
+
+QJsonObject asJson(const QDomElement &parent)
+{
+    QJsonObject object;
+    for (const auto &[name, value] : fieldsBelow(parent))
+        object.insert(name, value);
+    return object;
+}
+
+QString asText(const QDomElement &parent, const QString &indent)
+{
+    QString text;
+    for (const auto &[name, value] : fieldsBelow(parent))
+        text += indent + name + QLatin1String(": ") + standardstreams::shown(value) + u'\n';
+    return text;
+}
+
+QByteArray asJson(const CXMLInfo &record, const QDomElement &task, const QJsonObject &conversion)
+{
+    QJsonObject object = summary(record);
+    object.insert(QStringLiteral("fields"), asJson(task));
+    object.insert(QStringLiteral("profile"),
+                  asJson(task.firstChildElement(QStringLiteral("Profile"))));
+    object.insert(QStringLiteral("conversion"), conversion);
+    return jsonline::of(object);
+}
+
+QByteArray asText(const CXMLInfo &record, const QDomElement &task, const QJsonObject &conversion)
+{
+    QString text = QStringLiteral("state: %1\n").arg(stored::stateName(record));
+    text += asText(task, {}) + QStringLiteral("Profile:\n");
+    text += asText(task.firstChildElement(QStringLiteral("Profile")), QStringLiteral("  "));
+    text += QStringLiteral("conversion:\n");
+    for (auto each = conversion.begin(); each != conversion.end(); ++each)
+        text += QStringLiteral("  %1: %2\n")
+                    .arg(each.key(), standardstreams::shown(each.value().toVariant().toString()));
+    return text.toUtf8();
+}
+
+} // namespace
+
+ExitStatus runList(const CommandLine &line)
+{
+    stored::History history(line);
+    if (!stored::open(history.keeper))
+        return {ExitHistory, 0};
+    QByteArray text;
+    const ControllerLock lock;
+    for (const CXMLInfo *record : std::as_const(history.controller.m_pHistory->m_InfoList))
+        text += line.json ? jsonline::of(summary(*record)) : row(*record);
+    return write(text);
+}
+
+ExitStatus runShow(const CommandLine &line)
+{
+    stored::History history(line);
+    if (!stored::open(history.keeper))
+        return {ExitHistory, 0};
+    const QString key = stored::keyOf(history.controller, line);
+    if (key.isEmpty())
+        return {ExitFailed, 0};
+    const ControllerLock lock;
+    CXMLInfo *record = history.controller.getXMLInfo(key);
+    QDomDocument document;
+    QDomElement task = document.createElement(QStringLiteral("Info"));
+    record->toDomNode(document, task);
+    const QJsonObject conversion = conversions::describe(history.controller, key);
+    return write(line.json ? asJson(*record, task, conversion) : asText(*record, task, conversion));
+}

@@ -1,0 +1,261 @@
+#include "session.h"
+
+#include "conversions.h"
+#include "standardstreams.h"
+#include "stored.h"
+#include "taskengine/options.h"
+
+#include <QEventLoop>
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <utility>
+
+namespace {
+
+constexpr qsizetype longestName = 200;
+
+void configureEngine(const CommandLine &line)
+{
+    taskengine::Options options = taskengine::options();
+    for (const QString &word : line.videoInfoCommand)
+        options.videoInfoCommand.push_back(word.toLocal8Bit().toStdString());
+    taskengine::setOptions(options);
+}
+
+DownloadDriver::Settings settingsFor(const CommandLine &line, const QString &downloadFolder)
+{
+    DownloadDriver::Settings settings;
+    settings.downloadFolder = downloadFolder;
+    settings.videoLimit = line.jobs;
+    settings.thumbnails = line.thumbnails;
+    settings.proxy = line.proxy;
+    settings.failureText = [](double code) {
+        return QString::fromStdString(taskengine::failureText(code));
+    };
+    settings.failureAdvice = [](double code) {
+        return QString::fromStdString(taskengine::failureAdvice(code));
+    };
+    settings.hasExpired = [](double code) { return code == 403 || code == 410; };
+    return settings;
+}
+
+} // namespace
+
+Session::Session(const CommandLine &line, const QString &downloadFolder)
+    : m_line(line),
+      m_view(makeProgressView(line.quiet ? ProgressMode::Never : line.progress)),
+      m_driver(settingsFor(line, downloadFolder))
+{
+    configureEngine(line);
+    connect(&m_signals, &SignalWatch::interrupted, this, &Session::interrupt);
+    follow();
+    followConversions();
+}
+
+Session::~Session() = default;
+
+void Session::follow()
+{
+    connect(&m_driver, &DownloadDriver::started, this, [this](const QString &key) {
+        const ControllerLock lock;
+        if (CXMLInfo *record = m_driver.controller().getXMLInfo(key))
+            m_view->started(key, CDown::getOrgWebSite(record));
+    });
+    connect(&m_driver, &DownloadDriver::described, this,
+            [this](const QString &key, const QString &title) {
+                if (!title.isEmpty())
+                    m_view->renamed(key, title);
+            });
+    connect(&m_driver, &DownloadDriver::progressed, this,
+            [this](const DownloadProgress &progress) { m_view->progressed(progress); });
+    connect(&m_driver, &DownloadDriver::retrying, this,
+            [this](const QString &key, int attempt) { m_view->retrying(key, attempt); });
+    connect(&m_driver, &DownloadDriver::ended, this, &Session::settle);
+}
+
+void Session::followConversions()
+{
+    connect(&m_converter, &Converter::started, this,
+            [this](const DownloadResult &result) { m_view->converting(result.key, result.title); });
+    connect(&m_converter, &Converter::progressed, this,
+            [this](const DownloadProgress &progress) { m_view->progressed(progress); });
+    connect(&m_converter, &Converter::ended, this, [this](const DownloadResult &result) {
+        conversions::note(m_driver.controller(), result);
+        m_keeper->noteChange();
+        count(result);
+        emit settled(result);
+    });
+}
+
+void Session::settle(DownloadResult result)
+{
+    if (m_line.convert) {
+        const auto conversion = conversions::pending(m_driver.controller(), result, m_line.profile);
+        if (conversion && m_status.signal == 0) {
+            m_view->ended(result.key);
+            m_keeper->noteChange();
+            m_converter.add(*conversion);
+            return;
+        }
+        if (conversion) { // interrupted in the meantime
+            result.outcome = DownloadOutcome::Stopped;
+            conversions::note(m_driver.controller(), result);
+        }
+    }
+    count(result);
+    emit settled(result);
+}
+
+bool Session::canConvert()
+{
+    if (!m_line.convert || Converter::isAvailable())
+        return true;
+    m_view->say(QStringLiteral("videodown: --convert needs ffmpeg, which is not installed"));
+    return false;
+}
+
+bool Session::openHistory()
+{
+    m_keeper = std::make_unique<HistoryKeeper>(m_driver.controller(), stored::pathFor(m_line));
+    connect(m_keeper.get(), &HistoryKeeper::saveFailed, this, [this](const QString &reason) {
+        m_view->say(QStringLiteral("videodown: the history cannot be saved: ") + reason);
+    });
+    connect(&m_driver, &DownloadDriver::recordsChanged, m_keeper.get(), &HistoryKeeper::noteChange);
+    connect(m_keeper.get(), &HistoryKeeper::gathered, this, &Session::writeResults);
+    return stored::open(*m_keeper);
+}
+
+ExitStatus Session::run(const QList<DownloadRequest> &requests)
+{
+    if (requests.isEmpty())
+        return m_status;
+    for (const DownloadRequest &request : requests)
+        m_driver.add(request);
+    if (m_keeper)
+        m_keeper->save(); // before any of it begins; what fails is told by later saves
+    QEventLoop loop;
+    const auto quitWhenDone = [&] {
+        if (m_driver.isIdle() && m_converter.isIdle())
+            loop.quit();
+    };
+    connect(&m_driver, &DownloadDriver::idle, &loop, quitWhenDone);
+    connect(&m_converter, &Converter::idle, &loop, quitWhenDone);
+    loop.exec();
+    const bool saved = !m_keeper || stored::save(*m_keeper);
+    writeResults();
+    if (!m_line.quiet && m_line.command != Command::Formats)
+        tellSummary();
+    if (m_failed + m_stopped > 0 || m_outputBroken || !saved)
+        m_status.code = ExitFailed;
+    return m_status;
+}
+
+void Session::count(const DownloadResult &result)
+{
+    m_view->ended(result.key);
+    switch (result.outcome) {
+    case DownloadOutcome::Finished:
+        ++m_finished;
+        if (!m_line.quiet)
+            tellFinding(result);
+        break;
+    case DownloadOutcome::Failed:
+        ++m_failed;
+        tellFailure(result);
+        break;
+    case DownloadOutcome::Stopped:
+        ++m_stopped;
+        if (!m_line.quiet)
+            m_view->say(QStringLiteral("stopped: %1").arg(nameOf(result)));
+    }
+}
+
+void Session::tellFailure(const DownloadResult &result)
+{
+    QString line = QStringLiteral("failed: %1: %2").arg(nameOf(result), result.failure.cause);
+    if (!result.failure.advice.isEmpty())
+        line += QLatin1String(line.endsWith(u'.') ? " " : ". ") + result.failure.advice;
+    m_view->say(line);
+}
+
+void Session::tellFinding(const DownloadResult &result)
+{
+    const auto text = [](const PictureSize &picture) {
+        return QStringLiteral("%1x%2").arg(picture.width).arg(picture.height);
+    };
+    const QString name = nameOf(result);
+    const QString former = text(result.former);
+    switch (result.finding) {
+    case Finding::AlreadyThere:
+        m_view->say(QStringLiteral("already there: ") + name);
+        break;
+    case Finding::AlreadyAsLarge:
+        m_view->say(QStringLiteral("already as large: %1, %2").arg(name, former));
+        break;
+    case Finding::NoneLarger:
+        m_view->say(QStringLiteral("the site has no larger one: %1, %2").arg(name, former));
+        break;
+    case Finding::Downloaded:
+        if (result.former.width > 0)
+            m_view->say(QStringLiteral("downloaded: %1, from %2 to %3")
+                            .arg(name, former, text(result.picture)));
+    }
+}
+
+void Session::tellSummary()
+{
+    QString summary = QStringLiteral("%1 finished, %2 failed").arg(m_finished).arg(m_failed);
+    if (m_stopped > 0)
+        summary += QStringLiteral(", %1 stopped").arg(m_stopped);
+    m_view->say(summary);
+}
+
+QString Session::nameOf(const DownloadResult &result)
+{
+    QString address = result.address;
+    if (address.size() > longestName)
+        address = address.left(longestName) + QChar(0x2026);
+    return result.title.isEmpty() ? address : QStringLiteral("%1 (%2)").arg(result.title, address);
+}
+
+// Nobody may act upon a result that a sudden end of the program could make undone.
+void Session::deliver(const QByteArray &result)
+{
+    m_results += result;
+    if (m_keeper)
+        m_keeper->noteChange();
+    else
+        writeResults();
+}
+
+void Session::writeResults()
+{
+    const QByteArray results = std::exchange(m_results, {});
+    if (results.isEmpty())
+        return;
+    int error = 0;
+    const auto write = [&] { error = standardstreams::writeOutput(results); };
+    if (standardstreams::outputIsTerminal())
+        m_view->uncovered(write);
+    else
+        write();
+    if (error == 0 || m_outputBroken)
+        return;
+    m_outputBroken = true;
+    if (error == EPIPE)
+        interrupt(SIGPIPE); // nobody reads the results any more
+    else
+        m_view->say(QStringLiteral("the results cannot be written: %1")
+                        .arg(QString::fromLocal8Bit(std::strerror(error))));
+}
+
+void Session::interrupt(int number)
+{
+    m_status.signal = number;
+    if (number == SIGINT || number == SIGTERM)
+        m_view->say(QStringLiteral("stopping; once more ends at once"));
+    m_driver.stopAll();
+    m_converter.stopAll();
+}

@@ -1,0 +1,74 @@
+/** A driver with all that the commands need around it. */
+#ifndef VIDEODOWN_CLI_SESSION_H
+#define VIDEODOWN_CLI_SESSION_H
+
+#include "commandline.h"
+#include "driver/converter.h"
+#include "driver/downloaddriver.h"
+#include "driver/historykeeper.h"
+#include "exitstatus.h"
+#include "signalwatch.h"
+
+#include <memory>
+
+/** Carries a command's tasks out, from the first to the last, and counts how they end. */
+class Session : public QObject
+{
+    Q_OBJECT
+
+public:
+    /** @param downloadFolder absolute path of a folder that exists */
+    Session(const CommandLine &line, const QString &downloadFolder);
+    ~Session() override;
+
+    DownloadDriver &driver() { return m_driver; }
+    ProgressView &view() { return *m_view; }
+
+    /** Loads the history, and keeps it from now on. @return whether that worked; told if not */
+    bool openHistory();
+
+    /** Adds the tasks, and runs until all have ended. */
+    ExitStatus run(const QList<DownloadRequest> &requests);
+
+    /**
+     * Writes a result, line end included, to standard output as soon as the history has it. Broken
+     * output ends the run.
+     */
+    void deliver(const QByteArray &result);
+
+    /** Whether ffmpeg is there, if the command needs it; told if not. */
+    bool canConvert();
+
+    /** Names a task to the user. */
+    static QString nameOf(const DownloadResult &result);
+
+signals:
+    /** A task has ended, and so has the conversion of its video. */
+    void settled(const DownloadResult &result);
+
+private:
+    void follow();
+    void followConversions();
+    void settle(DownloadResult result);
+    void count(const DownloadResult &result);
+    void tellFailure(const DownloadResult &result);
+    void tellFinding(const DownloadResult &result);
+    void tellSummary();
+    void writeResults();
+    void interrupt(int number);
+
+    const CommandLine m_line;
+    SignalWatch m_signals;
+    std::unique_ptr<ProgressView> m_view;
+    DownloadDriver m_driver;
+    Converter m_converter;
+    std::unique_ptr<HistoryKeeper> m_keeper; // none while no history is open
+    ExitStatus m_status;
+    int m_finished = 0;
+    int m_failed = 0;
+    int m_stopped = 0;
+    QByteArray m_results; // not written yet
+    bool m_outputBroken = false;
+};
+
+#endif

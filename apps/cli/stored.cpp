@@ -1,0 +1,117 @@
+#include "stored.h"
+
+#include "driver/taskrecord.h"
+#include "standardstreams.h"
+
+#include <QStandardPaths>
+
+namespace stored {
+
+namespace {
+
+void tell(const QString &message)
+{
+    standardstreams::writeMessage(QStringLiteral("videodown: ") + message);
+}
+
+QStringList keysBeginningWith(CDown &controller, const QString &text)
+{
+    const ControllerLock lock;
+    QStringList keys;
+    for (const CXMLInfo *record : std::as_const(controller.m_pHistory->m_InfoList)) {
+        if (record->MD5Code.startsWith(text, Qt::CaseInsensitive))
+            keys << record->MD5Code;
+    }
+    return keys;
+}
+
+QString keyNamed(CDown &controller, const QString &name)
+{
+    QString ofAddress = CDown::GetURLToMD5(name);
+    if (controller.TaskExist(ofAddress))
+        return ofAddress;
+    const QStringList keys = name.isEmpty() ? QStringList() : keysBeginningWith(controller, name);
+    if (keys.size() == 1)
+        return keys.first();
+    tell(keys.isEmpty()
+             ? QStringLiteral("the history has no task \"%1\"").arg(name)
+             : QStringLiteral("%1 tasks have keys that begin with \"%2\"; give more of the key")
+                   .arg(keys.size())
+                   .arg(name));
+    return {};
+}
+
+} // namespace
+
+QString pathFor(const CommandLine &line)
+{
+    if (!line.historyFile.isEmpty())
+        return line.historyFile;
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+           QLatin1String("/videodown/history.xml");
+}
+
+bool open(HistoryKeeper &keeper)
+{
+    const QString problem = keeper.open();
+    if (!problem.isEmpty())
+        tell(problem);
+    else if (!keeper.setAsidePath().isEmpty())
+        tell(QStringLiteral("the history was damaged; what could be read of it goes on, and the "
+                            "damaged file is kept as %1")
+                 .arg(keeper.setAsidePath()));
+    return problem.isEmpty();
+}
+
+bool save(HistoryKeeper &keeper)
+{
+    const QString problem = keeper.save();
+    if (!problem.isEmpty())
+        tell(QStringLiteral("the history cannot be saved: ") + problem);
+    return problem.isEmpty();
+}
+
+std::optional<QStringList> keysOf(CDown &controller, const QStringList &names)
+{
+    QStringList keys;
+    for (const QString &name : names)
+        keys << keyNamed(controller, name);
+    if (keys.contains(QString()))
+        return std::nullopt;
+    keys.removeDuplicates();
+    return keys;
+}
+
+QString keyOf(CDown &controller, const CommandLine &line)
+{
+    return keyNamed(controller, line.arguments.value(0));
+}
+
+QString stateName(const CXMLInfo &record)
+{
+    switch (taskrecord::stateOf(record)) {
+    case TaskState::Waiting:
+    case TaskState::Running:
+        return QStringLiteral("interrupted");
+    case TaskState::Finished:
+        return QStringLiteral("finished");
+    case TaskState::Failed:
+        return QStringLiteral("failed");
+    case TaskState::Stopped:
+        return QStringLiteral("stopped");
+    case TaskState::None:
+        break;
+    }
+    return QStringLiteral("unknown");
+}
+
+QString titleOf(const CXMLInfo &record)
+{
+    return record.Title.isEmpty() ? record.OrgWebSite : record.Title;
+}
+
+History::History(const CommandLine &line) : controller(nullptr), keeper(controller, pathFor(line))
+{
+}
+
+} // namespace stored

@@ -1,0 +1,50 @@
+/** The history as the commands see it. Problems are told on standard error. */
+#ifndef VIDEODOWN_CLI_STORED_H
+#define VIDEODOWN_CLI_STORED_H
+
+#include "commandline.h"
+#include "driver/historykeeper.h"
+
+#include <optional>
+
+namespace stored {
+
+/** The history file of a command. */
+QString pathFor(const CommandLine &line);
+
+/** Takes the history into use. @return whether that worked */
+bool open(HistoryKeeper &keeper);
+
+/** Writes the history. @return whether that worked */
+bool save(HistoryKeeper &keeper);
+
+/**
+ * The keys of the tasks that the user named, by address or by the beginning of a key; nothing when
+ * a name fits none, or more than one.
+ */
+std::optional<QStringList> keysOf(CDown &controller, const QStringList &names);
+
+/** The one task that the command names; empty when there is none. */
+QString keyOf(CDown &controller, const CommandLine &line);
+
+/**
+ * "interrupted", "finished", "failed", "stopped" or "unknown", for a task that is not at
+ * work. The caller holds the controller lock.
+ */
+QString stateName(const CXMLInfo &record);
+
+/** How to name a task to the user: its title, else its address. The caller holds the lock. */
+QString titleOf(const CXMLInfo &record);
+
+/** A history without engine, for commands that transfer nothing. */
+struct History
+{
+    explicit History(const CommandLine &line);
+
+    CDown controller;
+    HistoryKeeper keeper;
+};
+
+} // namespace stored
+
+#endif

@@ -1,0 +1,82 @@
+/** What an application asks of the driver for one video, and what it is told. Plain values. */
+#ifndef VIDEODOWN_DRIVER_DOWNLOADTASK_H
+#define VIDEODOWN_DRIVER_DOWNLOADTASK_H
+
+#include "history/cxmlprofile.h"
+
+#include <QString>
+
+/** One video to fetch. */
+struct DownloadRequest
+{
+    QString address;      ///< of the video page; http or https, at most 1023 bytes
+    QString outputFolder; ///< absolute; made when it is missing; empty: the downloads folder
+    QString
+        downloadFolder; ///< absolute; exists; where the engine writes; empty: as in the settings
+    /**
+     * The file that is finally wanted. An empty extension or a size of 0 leaves that to what the
+     * site offers; the task's own profile then says what was chosen.
+     */
+    Profile_Desc profile;
+    bool keepSource = false;  ///< deliver the video as downloaded, in the output folder
+    bool inspectOnly = false; ///< only ask the site what it offers; fetch and note nothing
+    bool again = false;       ///< also when the task's file is there already
+    /** A finished task with its file: fetch a larger picture, of the profile's size, in its place.
+     */
+    bool upgrade = false;
+};
+
+/** How a task ended. */
+enum class DownloadOutcome {
+    Finished, ///< the file exists (for inspections: the site offers formats)
+    Failed,   ///< see the cause
+    Stopped,  ///< the application stopped it
+};
+
+/** What a finished task found. */
+enum class Finding {
+    Downloaded,     ///< the site's video, which is here now
+    AlreadyThere,   ///< the file of an earlier run; nothing was fetched
+    AlreadyAsLarge, ///< an upgrade that asks for no larger picture than there is
+    NoneLarger,     ///< an upgrade for which the site has no larger picture
+};
+
+/** Pixels of a picture. */
+struct PictureSize
+{
+    int width = 0;
+    int height = 0;
+};
+
+/** Why something failed, and what the user can do about it. */
+struct FailureReason
+{
+    QString cause;  ///< to stand behind a colon: "the site answered 404 Not Found"
+    QString advice; ///< a sentence; may be empty
+};
+
+/** A task's end; told exactly once for each task. */
+struct DownloadResult
+{
+    QString key;     ///< task key
+    QString address; ///< as in the request
+    QString title;   ///< as the site gave it; empty when that is not known
+    DownloadOutcome outcome = DownloadOutcome::Failed;
+    QString path;                          ///< absolute path of the finished video, else empty
+    FailureReason failure;                 ///< of a failed task
+    Finding finding = Finding::Downloaded; ///< of a finished task
+    PictureSize former;                    ///< of an upgrade: the picture before it
+    PictureSize picture;                   ///< of an upgrade: the picture now
+};
+
+/** How far a running video is. */
+struct DownloadProgress
+{
+    QString key;               ///< task key
+    QString title;             ///< as the site gave it
+    qint64 received = 0;       ///< bytes so far
+    qint64 total = 0;          ///< bytes in all; 0 while that is not known
+    qint64 bytesPerSecond = 0; ///< 0 while that is not known
+};
+
+#endif

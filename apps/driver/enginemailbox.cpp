@@ -1,0 +1,57 @@
+#include "driver/enginemailbox.h"
+
+#include <algorithm>
+#include <utility>
+
+bool EngineEvent::isEnd() const
+{
+    switch (code) {
+    case DOWN_STATE_PARSE_SUCCESS:
+    case DOWN_STATE_PARSE_FAIL:
+    case DOWN_STATE_DOWNLOAD_FINISH:
+    case DOWN_STATE_DOWNLOAD_FAIL:
+    case DOWN_STATE_USER_STOP:
+        return true;
+    default:
+        return false;
+    }
+}
+
+EngineMailbox::EngineMailbox(std::function<void()> wake) : m_wake(std::move(wake)) {}
+
+int EngineMailbox::onState(void *user, const char *key, tagDownloadStateCode code, double value,
+                           FILE_TYPE /*type*/)
+{
+    static_cast<EngineMailbox *>(user)->post(key, code, value);
+    return 0;
+}
+
+int EngineMailbox::onVideoInfo(void *user, const char *key, tagDownloadStateCode code,
+                               char * /*data*/, unsigned long /*length*/)
+{
+    static_cast<EngineMailbox *>(user)->post(key, code, 0);
+    return 0;
+}
+
+void EngineMailbox::post(const char *key, tagDownloadStateCode code, double value)
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_events.push_back({QString::fromLocal8Bit(key), code, value});
+    }
+    m_wake();
+}
+
+std::vector<EngineEvent> EngineMailbox::take()
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return std::exchange(m_events, {});
+}
+
+bool EngineMailbox::holdsEndOf(const QString &key) const
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return std::any_of(m_events.cbegin(), m_events.cend(), [&key](const EngineEvent &event) {
+        return event.key == key && event.isEnd();
+    });
+}

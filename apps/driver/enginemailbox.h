@@ -1,0 +1,58 @@
+/** Where the engine's threads leave their events for the application's thread. */
+#ifndef VIDEODOWN_DRIVER_ENGINEMAILBOX_H
+#define VIDEODOWN_DRIVER_ENGINEMAILBOX_H
+
+#include "engine/taskengine.h"
+
+#include <QString>
+
+#include <functional>
+#include <mutex>
+#include <vector>
+
+/** One event of the controller's application callbacks. */
+struct EngineEvent
+{
+    QString key; ///< task key or image key
+    tagDownloadStateCode code = DOWN_STATE_NONE;
+    double value = 0; ///< depends on the code
+
+    /** Whether the event is the last one of its request. */
+    bool isEnd() const;
+};
+
+/**
+ * The two application callbacks, and the queue behind them. A callback only queues and wakes, so
+ * that no engine thread ever waits for the application.
+ *
+ * Its address is the callbacks' user pointer: it must live until the engine has quit. Threads: all
+ * members may be called from any thread.
+ */
+class EngineMailbox
+{
+public:
+    /** @param wake called on the engine's threads after each event; must only set something going
+     */
+    explicit EngineMailbox(std::function<void()> wake);
+
+    /** For `tagDownInfo::pfnStateCallback`. */
+    static int onState(void *user, const char *key, tagDownloadStateCode code, double value,
+                       FILE_TYPE type);
+    /** For `tagDownInfo::pfnVideoInfoCallback`. */
+    static int onVideoInfo(void *user, const char *key, tagDownloadStateCode code, char *data,
+                           unsigned long length);
+
+    /** Takes all events out, oldest first. */
+    std::vector<EngineEvent> take();
+    /** Whether the end of this key's request lies in the box. */
+    bool holdsEndOf(const QString &key) const;
+
+private:
+    void post(const char *key, tagDownloadStateCode code, double value);
+
+    const std::function<void()> m_wake;
+    mutable std::mutex m_mutex;        // protects m_events
+    std::vector<EngineEvent> m_events; // oldest first
+};
+
+#endif

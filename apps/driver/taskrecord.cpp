@@ -1,0 +1,98 @@
+#include "driver/taskrecord.h"
+
+#include <QFileInfo>
+
+namespace taskrecord {
+
+namespace {
+
+bool isWhole(const QString &path, const CXMLInfo &record)
+{
+    const QFileInfo file(path);
+    return record.FileSize > 0 && file.isFile() && file.size() == record.FileSize;
+}
+
+// As the default engine names what it has not finished.
+QStringList partsOf(const QString &path)
+{
+    const QFileInfo file(path);
+    return {path + QLatin1String(".part"),
+            file.path() + QLatin1String("/.") + file.fileName() + QLatin1String(".part-info")};
+}
+
+} // namespace
+
+TaskState stateOf(const CXMLInfo &record)
+{
+    return static_cast<TaskState>(record.State);
+}
+
+bool isInterrupted(const CXMLInfo &record)
+{
+    return stateOf(record) == TaskState::Waiting || stateOf(record) == TaskState::Running;
+}
+
+// A task that was never downloaded only knows where its thumbnail goes, which is the same folder.
+QString downloadFolder(const CXMLInfo &record)
+{
+    for (const QString &path : {record.FileName, record.ImagePath}) {
+        if (!path.isEmpty())
+            return QFileInfo(path).path();
+    }
+    return record.SaveAsPath;
+}
+
+QString outputPath(const CXMLInfo &record)
+{
+    return record.IsOrgVideo == 1 ? record.SaveAsFileName : record.FileName;
+}
+
+// A finished file that its owner has changed since is still there.
+bool isComplete(const CXMLInfo &record)
+{
+    const QFileInfo output(outputPath(record));
+    if (stateOf(record) == TaskState::Finished)
+        return output.isFile() && output.size() > 0;
+    return isWhole(record.FileName, record) && isWhole(outputPath(record), record);
+}
+
+bool isDownloaded(const CXMLInfo &record)
+{
+    return isWhole(record.FileName, record);
+}
+
+DownloadRequest requestFor(const CXMLInfo &record)
+{
+    DownloadRequest request;
+    request.address = record.OrgWebSite;
+    request.outputFolder = record.SaveAsPath;
+    request.downloadFolder = downloadFolder(record);
+    request.profile = *record.Profile->m_pDesc;
+    request.keepSource = record.IsOrgVideo == 1;
+    return request;
+}
+
+bool mayReplace(const QString &path, qint64 size)
+{
+    const QFileInfo file(path);
+    if (!file.exists() && !file.isSymLink())
+        return true;
+    return file.isFile() && !file.isSymLink() && (file.size() == 0 || file.size() == size);
+}
+
+QStringList filesOf(const CXMLInfo &record)
+{
+    QStringList files;
+    if (!record.FileName.isEmpty() && mayReplace(record.FileName, record.FileSize))
+        files << record.FileName << partsOf(record.FileName);
+    if (record.IsOrgVideo == 1 && mayReplace(record.SaveAsFileName, record.FileSize))
+        files << record.SaveAsFileName;
+    if (record.IsOrgVideo != 1 && !record.ConvertionDesc.isEmpty())
+        files << record.SaveAsFileName; // converted from the video
+    files << record.ImagePath;
+    files.removeDuplicates();
+    files.removeIf([](const QString &path) { return path.isEmpty() || !QFileInfo(path).isFile(); });
+    return files;
+}
+
+} // namespace taskrecord

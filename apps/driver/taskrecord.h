@@ -1,0 +1,49 @@
+/** What a stored task says, and which files are its own. The caller holds the controller lock. */
+#ifndef VIDEODOWN_DRIVER_TASKRECORD_H
+#define VIDEODOWN_DRIVER_TASKRECORD_H
+
+#include "driver/downloadtask.h"
+#include "driver/taskstate.h"
+#include "history/cxmlinfo.h"
+
+#include <QString>
+#include <QStringList>
+
+namespace taskrecord {
+
+TaskState stateOf(const CXMLInfo &record);
+
+/** Whether the task waited or ran when its program ended; of a task that no driver has. */
+bool isInterrupted(const CXMLInfo &record);
+
+/** The folder that the engine writes the task's files into. */
+QString downloadFolder(const CXMLInfo &record);
+
+/** Where the file that the task is about is, or will be: its copy when it keeps its source. */
+QString outputPath(const CXMLInfo &record);
+
+/** Whether that file, and the downloaded one behind a copy that is short, need no download. */
+bool isComplete(const CXMLInfo &record);
+
+/** Whether the downloaded video is there and has the size that it had. */
+bool isDownloaded(const CXMLInfo &record);
+
+/** The request that goes on with the task where it is, with the same wishes. */
+DownloadRequest requestFor(const CXMLInfo &record);
+
+/**
+ * Whether what is at `path` may be replaced by the task whose video has `size` bytes: nothing, the
+ * empty file that kept the name free, or a file of just this size.
+ */
+bool mayReplace(const QString &path, qint64 size);
+
+/**
+ * The files of the task that exist: the video, its copy or conversion, the thumbnail, and what a
+ * broken-off download left. A file of another size than the task's has been put there by somebody
+ * else, and is none of them.
+ */
+QStringList filesOf(const CXMLInfo &record);
+
+} // namespace taskrecord
+
+#endif

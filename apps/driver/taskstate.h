@@ -1,0 +1,20 @@
+/** What the driver writes into a task's `State`. */
+#ifndef VIDEODOWN_DRIVER_TASKSTATE_H
+#define VIDEODOWN_DRIVER_TASKSTATE_H
+
+/**
+ * How far a task is. Histories keep these numbers: they never change their meaning.
+ *
+ * Waiting and Running mean what they say only while a driver has the task. Found in a history that
+ * was just loaded, they tell that the program was interrupted.
+ */
+enum class TaskState : int {
+    None = -1,    ///< never taken on by a driver
+    Waiting = 1,  ///< nothing was begun yet
+    Running = 2,  ///< being parsed or downloaded, or waiting between the two
+    Finished = 3, ///< its file was complete
+    Failed = 4,   ///< ended without a file; the reason is not kept
+    Stopped = 5,  ///< ended by the user
+};
+
+#endif
