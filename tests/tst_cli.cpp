@@ -1,0 +1,282 @@
+/** The program videodown as its users meet it: arguments, streams, exit statuses, signals. */
+#include "clifixture.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRegularExpression>
+#include <QTest>
+
+#include <csignal>
+#include <cwchar>
+#include <fcntl.h>
+#include <pty.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+int columnsOf(const QString &text)
+{
+    int columns = 0;
+    for (const char32_t character : text.toUcs4())
+        columns += std::max(wcwidth(static_cast<wchar_t>(character)), 0);
+    return columns;
+}
+
+} // namespace
+
+class CliTest : public QObject, private CliFixture
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(startSite());
+        SiteVideo video = siteCatalogue().front();
+        video.id = "evilTitle_1";
+        video.title = "evil \x1b[31mred\x07 \xc2\x9b title";
+        m_site.addVideo(video);
+        video.id = "longTitle_1";
+        video.title = std::string(300, 'x');
+        m_site.addVideo(video);
+    }
+
+    void init() { makeFolder(); }
+    void cleanup() { endFaults(); }
+
+    void answers_data()
+    {
+        QTest::addColumn<QString>("arguments");
+        QTest::addColumn<int>("code");
+        QTest::addColumn<QString>("told"); // on standard output for 0, else on standard error
+        QTest::newRow("help") << u"--help"_s << 0 << u"formats ADDRESS"_s;
+        QTest::newRow("help on get") << u"get -h"_s << 0 << u"--keep-source"_s;
+        QTest::newRow("help on formats") << u"help formats"_s << 0 << u"videodown formats"_s;
+        QTest::newRow("version") << u"--version"_s << 0 << u"videodown "_s;
+        QTest::newRow("nothing") << QString() << 2 << u"no command"_s;
+        QTest::newRow("unknown command") << u"fetch x"_s << 2 << u"\"fetch\""_s;
+        QTest::newRow("unknown option") << u"get --fast PAGE"_s << 2 << u"fast"_s;
+        QTest::newRow("no address") << u"get"_s << 2 << u"no address"_s;
+        QTest::newRow("no jobs") << u"get -j 0 PAGE"_s << 2 << u"--jobs: \"0\""_s;
+        QTest::newRow("odd jobs") << u"get -j3x PAGE"_s << 2 << u"\"3x\""_s;
+        QTest::newRow("odd format") << u"get -f mp4:wide PAGE"_s << 2 << u"\"mp4:wide\""_s;
+        QTest::newRow("empty picture") << u"formats -f mp4:0x9 PAGE"_s << 2 << u"from 1 to"_s;
+        QTest::newRow("odd progress") << u"get --progress no PAGE"_s << 2 << u"\"no\""_s;
+        QTest::newRow("odd proxy") << u"get --proxy host PAGE"_s << 2 << u"host:port"_s;
+        QTest::newRow("proxy kind") << u"get --proxy ftp://h:1 PAGE"_s << 2 << u"host:port"_s;
+        QTest::newRow("missing list") << u"get --from none.txt"_s << 2 << u"\"none.txt\""_s;
+        QTest::newRow("folder as list") << u"get --from ."_s << 2 << u"a folder"_s;
+        QTest::newRow("folder is a file") << u"get -o /dev/null PAGE"_s << 3 << u"/dev/null"_s;
+        QTest::newRow("folder not to be made") << u"get -o /proc/x PAGE"_s << 3 << u"/proc/x"_s;
+        QTest::newRow("odd folder name") << u"get -o a%1b PAGE"_s << 3 << u"percent"_s;
+        QTest::newRow("no web address") << u"get ftp://host/x"_s << 1 << u"ftp://host/x: not an"_s;
+        QTest::newRow("nothing to list by") << u"list x"_s << 2 << u"too many"_s;
+        QTest::newRow("nothing to show") << u"show"_s << 2 << u"too few"_s;
+        QTest::newRow("upgrade to what") << u"upgrade -f mp4 PAGE"_s << 2 << u"how large"_s;
+        QTest::newRow("unknown task") << u"show ABC"_s << 1 << u"no task \"ABC\""_s;
+        QTest::newRow("odd history") << u"list --history ."_s << 4 << u"not a file"_s;
+        QTest::newRow("site says no") << u"formats NOPAGE"_s << 1 << u"404 Not Found"_s;
+        QTest::newRow("unknown host") << u"get NOHOST"_s << 1 << u"unknown host"_s;
+        QTest::newRow("dead proxy") << u"get --proxy 127.0.0.1:1 PAGE"_s << 1 << u"proxy"_s;
+        QTest::newRow("missing info command")
+            << u"get --video-info-command none.such PAGE"_s << 1 << u"cannot be started"_s;
+        QTest::newRow("name too long") << u"get LONG"_s << 1 << u"name is too long"_s;
+        QTest::newRow("address too long")
+            << u"get http://host/"_s + QString(1100, u'x') << 1 << u"longer than 1023"_s;
+    }
+
+    void answers()
+    {
+        QFETCH(QString, arguments);
+        QFETCH(int, code);
+        QFETCH(QString, told);
+        QStringList list = arguments.split(u' ', Qt::SkipEmptyParts);
+        list.replaceInStrings(QRegularExpression(u"^PAGE$"_s), page("small-1"));
+        list.replaceInStrings(QRegularExpression(u"^NOPAGE$"_s), page("failing-2"));
+        list.replaceInStrings(QRegularExpression(u"^LONG$"_s), page("longTitle_1"));
+        // Longer than names may be: no name server is asked.
+        list.replaceInStrings(QRegularExpression(u"^NOHOST$"_s),
+                              u"http://"_s + QString(u"x"_s.repeated(60) + u'.').repeated(5) +
+                                  u"/a"_s);
+        const Ended ended = run(list);
+        QVERIFY(!ended.bySignal);
+        QCOMPARE(ended.code, code);
+        QVERIFY2((code == 0 ? ended.output : ended.error).contains(told), qPrintable(ended.error));
+        QVERIFY((code == 0 ? ended.error : ended.output).isEmpty());
+        QVERIFY(files().isEmpty());
+    }
+
+    void getPrintsPathsOnly()
+    {
+        const Ended ended = run({u"get"_s, u"-o"_s, u"new/folder"_s, u"-f"_s, u"mp4"_s, u"--from"_s,
+                                 u"-"_s, page("small-1"), page("small-1")},
+                                "# comment\n\n  " + page("small-2").toUtf8() + "\r\nftp://x\n");
+        QCOMPARE(ended.code, 1);
+        QStringList paths = ended.output.split(u'\n', Qt::SkipEmptyParts);
+        paths.sort();
+        QCOMPARE(paths.size(), 2);
+        QCOMPARE(contents(paths[0]), smallVideo(1, 18));
+        QCOMPARE(contents(paths[1]), smallVideo(2, 18));
+        QVERIFY(paths[0].startsWith(path("new/folder/")));
+        QVERIFY(ended.error.contains(u"failed: ftp://x: "_s));
+        QVERIFY(ended.error.endsWith(u"2 finished, 1 failed\n"_s));
+        QVERIFY(!ended.error.contains(QChar(u'\x1b')));
+    }
+
+    void equalTitlesAreTwoFiles()
+    {
+        const Ended ended = run({u"get"_s, u"-q"_s, u"--keep-source"_s, u"--downloads"_s, u"dl"_s,
+                                 page("sameTitleA1"), page("sameTitleB2")});
+        QCOMPARE(ended.code, 0);
+        QVERIFY(ended.error.isEmpty());
+        const QStringList paths = ended.output.split(u'\n', Qt::SkipEmptyParts);
+        QCOMPARE(paths.size(), 2);
+        QVERIFY(paths[0] != paths[1]);
+        QVERIFY(contents(paths[0]) != contents(paths[1]));
+        for (const QString &copy : paths)
+            QCOMPARE(contents(copy), contents(path("dl/") + QFileInfo(copy).fileName()));
+    }
+
+    void jsonLines()
+    {
+        const Ended ended = run({u"get"_s, u"--json"_s, u"-j1"_s, u"--progress"_s, u"never"_s,
+                                 page("failing-4"), page("evilTitle_1")});
+        QCOMPARE(ended.code, 1);
+        QHash<QString, QJsonObject> objects;
+        for (const QString &line : ended.output.split(u'\n', Qt::SkipEmptyParts)) {
+            const QJsonObject object = QJsonDocument::fromJson(line.toUtf8()).object();
+            QCOMPARE(object[u"schema"].toInt(), 1);
+            objects.insert(object[u"address"].toString(), object);
+        }
+        QCOMPARE(objects.size(), 2);
+        const QJsonObject failed = objects[page("failing-4")];
+        QCOMPARE(failed[u"status"].toString(), u"failed"_s);
+        QVERIFY(failed[u"error"][u"cause"].toString().contains(u"404"_s));
+        const QJsonObject finished = objects[page("evilTitle_1")];
+        QCOMPARE(finished[u"path"].toString(), path("evil [31mred  title.flv"));
+        QCOMPARE(finished[u"bytes"].toInteger(), QFileInfo(finished[u"path"].toString()).size());
+        QVERIFY(!ended.output.contains(QChar(u'\x9b')));
+    }
+
+    void formatsMarksTheChoice()
+    {
+        const Ended text = run({u"formats"_s, u"-f"_s, u"flv"_s, page("small-7")});
+        QCOMPARE(text.code, 0);
+        QVERIFY(text.output.contains(QRegularExpression(u"\n\\*\\s+34\\s+flv\\s+640x360\n"_s)));
+        QVERIFY(text.output.contains(QRegularExpression(u"\n \\s+18\\s+mp4\\s+640x360\n"_s)));
+        const Ended json = run({u"formats"_s, u"--json"_s, page("small-7")});
+        const QJsonObject object = QJsonDocument::fromJson(json.output.toUtf8()).object();
+        QCOMPARE(object[u"formats"].toArray().size(), 2);
+        QVERIFY(files().isEmpty());
+    }
+
+    void videoInfoCommand()
+    {
+        QFile script(path("the script"));
+        QVERIFY(script.open(QIODevice::WriteOnly));
+        script.write("echo \"title=$1 $2\"\necho fmt_list=18/640x360\necho 'fmt_stream_map=18|" +
+                     QByteArray::fromStdString(m_site.baseAddress()) + "/stream/small-3/18'\n");
+        script.close();
+        const Ended ended = run({u"get"_s, u"--video-info-command"_s, u"sh \"the script\" told"_s,
+                                 u"http://any.invalid/page"_s});
+        QVERIFY2(ended.code == 0, qPrintable(ended.error));
+        QCOMPARE(contents(path("told httpany.invalidpage.mp4")), smallVideo(3, 18));
+    }
+
+    void barsFitTheTerminal()
+    {
+        int master = -1;
+        int slave = -1;
+        const winsize size{3, 50, 0, 0};
+        QCOMPARE(openpty(&master, &slave, nullptr, nullptr, &size), 0);
+        haltStreams();
+        QProcess process;
+        process.setStandardErrorFile(QString::fromLocal8Bit(ttyname(slave)));
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"TERM"_s, u"xterm"_s);
+        process.setProcessEnvironment(environment);
+        begin(process, {u"get"_s, u"-j5"_s, page("evilTitle_1"), page("yunXiaShan0"),
+                        page("small-1"), page("small-2"), page("small-3")});
+        QVERIFY(m_site.waitForHeld(4, patience));
+        QString drawn;
+        QByteArray block(4096, '\0');
+        while (!drawn.contains(u"more"_s) || !drawn.contains(u'%') || !drawn.contains(u"\x1b[J"_s))
+            drawn += QString::fromUtf8(block.constData(),
+                                       read(master, block.data(), std::size_t(block.size())));
+        process.kill();
+        end(process);
+        close(master);
+        close(slave);
+        drawn.remove(QRegularExpression(u"\x1b\\[([0-9]+A|J)"_s));
+        QVERIFY(!drawn.contains(QChar(u'\x1b')) && !drawn.contains(QChar(u'\x07')));
+        for (const QString &line : drawn.split(QRegularExpression(u"[\r\n]+"_s)))
+            QVERIFY2(columnsOf(line) < 50, qPrintable(line));
+    }
+
+    void interruptions_data()
+    {
+        QTest::addColumn<QList<int>>("numbers");
+        QTest::newRow("interrupted") << QList<int>{SIGINT};
+        QTest::newRow("terminated") << QList<int>{SIGTERM};
+        QTest::newRow("hung up") << QList<int>{SIGHUP};
+        QTest::newRow("twice") << QList<int>{SIGTERM, SIGINT};
+    }
+
+    void interruptions()
+    {
+        QFETCH(QList<int>, numbers);
+        if (losesSignals())
+            return skip("the emulator hangs");
+        haltStreams();
+        QProcess process;
+        begin(process, {u"get"_s, u"-j1"_s, page("small-1"), page("small-2")});
+        QVERIFY(m_site.waitForHeld(1, patience));
+        for (const int number : numbers)
+            kill(pid_t(process.processId()), number);
+        const Ended ended = end(process);
+        QVERIFY(ended.bySignal);
+        QVERIFY(numbers.contains(ended.code));
+        QVERIFY(ended.output.isEmpty());
+        if (numbers.size() > 1)
+            return;
+        QVERIFY(ended.error.contains(u"0 finished, 0 failed, 2 stopped"_s));
+        QVERIFY(files().isEmpty());
+        m_site.clearMisbehaviours();
+        QCOMPARE(run({u"get"_s, page("small-1")}).code, 0);
+        QCOMPARE(contents(path(qPrintable(files().first()))), smallVideo(1, 34));
+    }
+
+    void nobodyReadsTheResults()
+    {
+        if (losesSignals())
+            return skip("the emulator hangs");
+        const QByteArray fifo = QFile::encodeName(path("fifo"));
+        QCOMPARE(mkfifo(fifo.constData(), 0600), 0);
+        const int reader = open(fifo.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+        haltStreams();
+        QProcess process;
+        process.setStandardOutputFile(path("fifo"));
+        begin(process, {u"get"_s, u"-j1"_s, page("small-1"), page("small-2")});
+        QVERIFY(m_site.waitForHeld(1, patience));
+        close(reader);
+        m_site.clearMisbehaviours();
+        m_site.release();
+        const Ended ended = end(process);
+        QVERIFY(ended.bySignal);
+        QCOMPARE(ended.code, SIGPIPE);
+        // A closed standard output is no file that results could land in.
+        QProcess shell;
+        shell.setWorkingDirectory(m_root->path());
+        shell.start(u"/bin/sh"_s, {u"-c"_s, u"\"$0\" get \"$1\" >&-"_s,
+                                   QStringLiteral(VIDEODOWN_PROGRAM), page("small-5")});
+        const Ended closed = end(shell);
+        QCOMPARE(closed.code, 1);
+        QVERIFY(closed.error.contains(u"results cannot be written"_s));
+        QVERIFY(closed.error.contains(u"1 finished"_s));
+    }
+};
+
+QTEST_GUILESS_MAIN(CliTest)
+#include "tst_cli.moc"

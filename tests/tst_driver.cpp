@@ -1,0 +1,406 @@
+/** The driver: slots, ends, names and what is told to the application. */
+#include "driverfixture.h"
+
+#include "driver/formatchoice.h"
+#include "driver/plaintext.h"
+#include "strutil/narrowtext.h"
+
+#include <QTest>
+
+Q_DECLARE_METATYPE(DownloadOutcome)
+
+namespace {
+
+// A step is a response ("key=value" lines), an event ("code:value") or one of the words below.
+void takeStep(DriverFixture &f, const QString &key, const QString &step)
+{
+    if (step == u"refuse"_s) {
+        f.result = -1;
+        return;
+    }
+    f.turn();
+    if (step.contains(u'='))
+        f.engine.sendResponse(key, step.toUtf8());
+    else if (step.contains(u':'))
+        f.engine.sendState(key, tagDownloadStateCode(step.section(u':', 0, 0).toInt()),
+                           step.section(u':', 1).toDouble());
+    else if (step == u"parse"_s)
+        f.engine.sendResponse(key, TaskFixture::response(1));
+    else if (step == u"image-fail"_s)
+        f.engine.sendState(key + u'1', DOWN_STATE_DOWNLOAD_FAIL, 404);
+    else if (step == u"finish"_s)
+        f.finish(key);
+    else if (step == u"vanish"_s)
+        QVERIFY(QFile::remove(f.savePath(key)));
+    else if (step == u"stop"_s)
+        f.driver->stop(key);
+    else if (step != u"turn"_s)
+        qFatal("no such step");
+}
+
+} // namespace
+
+class DriverTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void fates_data()
+    {
+        QTest::addColumn<QString>("steps");
+        QTest::addColumn<DownloadOutcome>("outcome");
+        QTest::addColumn<QString>("told"); // part of the cause, and of the advice behind a bar
+        const auto failed = DownloadOutcome::Failed;
+        const auto stopped = DownloadOutcome::Stopped;
+        const auto finished = DownloadOutcome::Finished;
+        QTest::newRow("parse refused") << u"refuse"_s << failed << u"did not take"_s;
+        QTest::newRow("parse fails") << u"6:404"_s << failed << u"cause 404|advice 404"_s;
+        QTest::newRow("parse stopped") << u"8:0"_s << stopped << QString();
+        QTest::newRow("parsed although stopped") << u"stop parse"_s << stopped << QString();
+        QTest::newRow("no formats") << u"title=x"_s << failed << u"offers no formats"_s;
+        QTest::newRow("unreadable formats")
+            << u"fmt_list=,,\nfmt_stream_map=,"_s << failed << u"offers no formats"_s;
+        QTest::newRow("the site's reason") << u"status=fail\nreason=not \x1b[31mhere"_s << failed
+                                           << u"refuses this video: not [31mhere"_s;
+        QTest::newRow("video refused") << u"turn refuse parse"_s << failed << u"did not take"_s;
+        QTest::newRow("video fails") << u"parse 7:1007"_s << failed << u"cause 1007|advice 1007"_s;
+        QTest::newRow("disk full") << u"parse 14:0 7:1019"_s << failed << u"is full"_s;
+        QTest::newRow("thumbnail fails") << u"parse image-fail finish"_s << finished << QString();
+        QTest::newRow("file gone") << u"parse vanish 3:0"_s << failed << u"is gone"_s;
+        QTest::newRow("finishes although stopped")
+            << u"parse stop finish"_s << finished << QString();
+        QTest::newRow("address expired") << u"parse 7:410 parse finish"_s << finished << QString();
+        QTest::newRow("new address expired")
+            << u"parse 7:410 parse 7:410"_s << failed << u"cause 410|advice 410"_s;
+        QTest::newRow("expired and gone") << u"parse 7:410 6:404"_s << failed << u"cause 404"_s;
+        QTest::newRow("stopped when expired")
+            << u"parse 7:410 turn stop 8:0"_s << stopped << QString();
+        QTest::newRow("expired when stopped") << u"parse stop 7:410"_s << stopped << QString();
+        QTest::newRow("fails because stopped") << u"parse stop 7:1007"_s << stopped << QString();
+    }
+
+    void fates()
+    {
+        QFETCH(QString, steps);
+        QFETCH(DownloadOutcome, outcome);
+        QFETCH(QString, told);
+        DriverFixture f;
+        const QString key = f.add(f.url(1));
+        const QStringList list = steps.contains(u'=') ? QStringList{steps} : steps.split(u' ');
+        for (const QString &step : list)
+            takeStep(f, key, step);
+        f.turn();
+        QCOMPARE(f.results.size(), 1);
+        const DownloadResult &result = f.results.first();
+        QCOMPARE(result.outcome, outcome);
+        QCOMPARE(result.path.isEmpty(), outcome != DownloadOutcome::Finished);
+        QVERIFY2(result.failure.cause.contains(told.section(u'|', 0, 0)),
+                 qPrintable(result.failure.cause));
+        QVERIFY(result.failure.advice.contains(told.section(u'|', 1)));
+        QCOMPARE(result.failure.cause.isEmpty(), outcome != DownloadOutcome::Failed);
+    }
+
+    void pathsBeyondTheRequest()
+    {
+        DriverFixture f;
+        const QString key = f.add(f.url(1));
+        f.turn();
+        f.engine.sendResponse(key, "title=" + QByteArray(1100, 't') + '\n' +
+                                       TaskFixture::response(1).mid(6));
+        f.turn();
+        QVERIFY(f.results.first().failure.cause.contains(u"path of the file is too long"_s));
+    }
+
+    void badAddresses_data()
+    {
+        QTest::addColumn<QString>("address");
+        QTest::newRow("empty") << u""_s;
+        QTest::newRow("no address") << u"dawn chorus"_s;
+        QTest::newRow("other protocol") << u"ftp://host/watch?v=1"_s;
+        QTest::newRow("local file") << u"file:///etc/passwd"_s;
+        QTest::newRow("no host") << u"http:///watch"_s;
+        QTest::newRow("blank inside") << u"http://host/watch?v=a b"_s;
+        QTest::newRow("line end inside") << u"http://host/watch?v=a\nb"_s;
+        QTest::newRow("too long") << u"http://host/"_s + QString(1012, u'x');
+    }
+
+    void badAddresses()
+    {
+        QFETCH(QString, address);
+        DriverFixture f;
+        f.add(address);
+        f.add(address);
+        f.add(u"http://host/"_s + QString(1011, u'x')); // the longest possible
+        QVERIFY(f.results.isEmpty());
+        f.turn();
+        QCOMPARE(f.results.size(), 1);
+        QCOMPARE(f.results.first().address, address);
+        QVERIFY(!f.results.first().failure.cause.isEmpty());
+        QVERIFY(!f.results.first().failure.advice.isEmpty());
+        QCOMPARE(f.engine.calls("parse").size(), 1);
+    }
+
+    void oneAddressIsOneTask()
+    {
+        DriverFixture f;
+        const QString key = f.add(f.url(1));
+        QCOMPARE(f.add(f.url(1)), key);
+        f.running(1);
+        f.add(f.url(1));
+        f.turn();
+        QCOMPARE(f.engine.calls("parse").size(), 1);
+        f.finish(key);
+        f.turn();
+        QCOMPARE(f.results.size(), 1);
+        QCOMPARE(f.idleCount, 0);
+        // Wanted again, it waits until its thumbnail is done, and keeps its record.
+        const CXMLInfo *record = f.driver->controller().getXMLInfo(key);
+        DownloadRequest again;
+        again.address = f.url(1);
+        again.again = true;
+        f.driver->add(again);
+        f.turn();
+        QCOMPARE(f.engine.calls("parse").size(), 1);
+        f.engine.sendState(key + u'1', DOWN_STATE_DOWNLOAD_FINISH);
+        f.turn();
+        QCOMPARE(f.engine.calls("parse").size(), 2);
+        QCOMPARE(f.driver->controller().count(), 1);
+        QCOMPARE(f.driver->controller().getXMLInfo(key), record);
+        f.engine.sendState(key, DOWN_STATE_PARSE_FAIL, 404);
+        f.turn();
+        QCOMPARE(f.results.size(), 2);
+        QCOMPARE(f.idleCount, 1);
+    }
+
+    void stoppingWaitsForWhatRuns()
+    {
+        DriverFixture f(1);
+        const QString video = f.running(1);
+        const QString ready = f.running(2);
+        for (int number = 3; number <= 5; ++number)
+            f.add(f.url(number));
+        f.turn();
+        f.engine.clearCalls();
+        f.driver->stop(video);
+        QCOMPARE(f.engine.calls("stop"), QStringList({video, video + u'1'}));
+        f.driver->stopAll();
+        QVERIFY(f.results.isEmpty());
+        f.turn();
+        QCOMPARE(f.results.size(), 4); // all but the running video
+        QStringList stopped = f.engine.calls("stop");
+        stopped.sort();
+        QStringList atWork{video, video + u'1', ready + u'1'};
+        atWork.sort();
+        stopped.removeDuplicates();
+        QCOMPARE(stopped, atWork);
+        for (const QString &key : atWork)
+            f.engine.sendState(key, DOWN_STATE_USER_STOP);
+        f.turn();
+        QCOMPARE(f.results.size(), 5);
+        for (const DownloadResult &result : std::as_const(f.results))
+            QCOMPARE(result.outcome, DownloadOutcome::Stopped);
+        QVERIFY(f.engine.calls("parse").isEmpty());
+        QCOMPARE(f.idleCount, 1);
+        QCOMPARE(f.controllerState(), u"3 1 0 0"_s);
+    }
+
+    void copiesDestroyNothing()
+    {
+        DriverFixture f;
+        const QString theirs = f.root.filePath(u"out/Clip 1_0.flv"_s);
+        TaskFixture::write(f.root.filePath(u"dl/Clip 1.flv"_s), "taken");
+        TaskFixture::write(theirs, "theirs");
+        const QString key = f.running(1, true);
+        QCOMPARE(f.savePath(key), f.root.filePath(u"dl/Clip 1_1.flv"_s));
+        QCOMPARE(f.files(u"out"_s), QStringList({u"Clip 1_0.flv"_s, u"Clip 1_1.flv"_s}));
+        f.finish(key, "ours");
+        f.turn();
+        QCOMPARE(f.results.first().path, f.root.filePath(u"out/Clip 1_1.flv"_s));
+        QCOMPARE(TaskFixture::read(f.results.first().path), "ours");
+        QCOMPARE(TaskFixture::read(theirs), "theirs");
+        // A failed task leaves no name behind.
+        f.engine.sendState(f.running(2, true), DOWN_STATE_DOWNLOAD_FAIL, 1007);
+        f.turn();
+        QCOMPARE(f.results.size(), 2);
+        QCOMPARE(f.files(u"out"_s).size(), 2);
+    }
+
+    void brokenCopyFailsTheTask()
+    {
+        DriverFixture f;
+        const QString key = f.running(1, true);
+        // What the library writes to is no longer the file that was reserved.
+        const QString copy = f.root.filePath(u"out/Clip 1.flv"_s);
+        QVERIFY(QFile::remove(copy) && QFile::link(u"/dev/null"_s, copy));
+        f.finish(key, "ours");
+        f.turn();
+        QCOMPARE(f.results.first().outcome, DownloadOutcome::Failed);
+        QVERIFY(f.results.first().failure.cause.contains(f.root.filePath(u"dl/Clip 1.flv"_s)));
+        QCOMPARE(TaskFixture::read(f.root.filePath(u"dl/Clip 1.flv"_s)), "ours");
+        QVERIFY(f.files(u"out"_s).isEmpty());
+    }
+
+    void unusableOutputFolderFailsEarly()
+    {
+        DriverFixture f;
+        QVERIFY(QDir(f.root.path()).rmdir(u"out"_s));
+        TaskFixture::write(f.root.filePath(u"out"_s), "a file");
+        f.running(1, true);
+        QCOMPARE(f.results.first().outcome, DownloadOutcome::Failed);
+        QVERIFY(f.results.first().failure.cause.contains(u"cannot be"_s));
+        QVERIFY(f.engine.calls("video").isEmpty());
+    }
+
+    void nothingSentIsAFailure()
+    {
+        DriverFixture f;
+        const auto occupy = [](int requests) {
+            const ControllerLock lock;
+            m_DownloadAllTask = QStringList(requests, u"somebody else's"_s);
+        };
+        occupy(5);
+        f.add(f.url(1));
+        f.turn();
+        QCOMPARE(f.results.size(), 1);
+        occupy(0);
+        const QString key = f.add(f.url(2));
+        f.turn();
+        f.engine.sendResponse(key, TaskFixture::response(2));
+        occupy(5);
+        f.turn();
+        QCOMPARE(f.results.size(), 2);
+        for (const DownloadResult &result : std::as_const(f.results))
+            QCOMPARE(result.outcome, DownloadOutcome::Failed);
+        QCOMPARE(f.idleCount, 2);
+        occupy(0);
+        QCOMPARE(f.controllerState(), u"3 2 0 0"_s);
+    }
+
+    void answersFromInsideTheRequest()
+    {
+        DriverFixture f;
+        f.engine.setHook([&f](ScriptedEngine::Kind kind, const tagTaskInfo &request) {
+            const QString key = QString::fromLocal8Bit(request.szTaskKey);
+            if (kind == ScriptedEngine::Kind::Parse)
+                f.engine.sendResponse(key, TaskFixture::response(1));
+            else
+                f.finish(key);
+            return 0;
+        });
+        for (int number = 1; number <= 20; ++number)
+            f.add(f.url(number));
+        QTRY_COMPARE(f.results.size(), 20);
+        for (const DownloadResult &result : std::as_const(f.results))
+            QCOMPARE(result.outcome, DownloadOutcome::Finished);
+        QCOMPARE(f.controllerState(), u"3 2 0 0"_s);
+    }
+
+    void endingTheDriverStopsEverything()
+    {
+        DriverFixture f;
+        const QString video = f.running(1, true);
+        f.add(f.url(2));
+        f.turn();
+        f.engine.clearCalls();
+        f.driver.reset();
+        QCOMPARE(f.engine.calls().mid(3), QStringList({u"quit"_s, u"cleanup"_s}));
+        QVERIFY(f.engine.calls("stop").contains(video));
+        f.turn();
+        QVERIFY(f.results.isEmpty());
+        QVERIFY(f.files(u"out"_s).isEmpty());
+    }
+
+    void progressIsTold()
+    {
+        DriverFixture f;
+        QList<DownloadProgress> told;
+        connect(f.driver.get(), &DownloadDriver::progressed,
+                [&told](const DownloadProgress &progress) { told.append(progress); });
+        const QString key = f.running(1);
+        f.engine.sendState(key, DOWN_STATE_FILE_SIZE, 5e9);
+        f.engine.sendState(key, DOWN_STATE_DOWNLOAD_PROGRESS, 1e9);
+        f.engine.sendState(key, DOWN_STATE_DOWNLOAD_PROGRESS, 2e9);
+        f.engine.sendState(key, DOWN_STATE_DOWNLOAD_SPEED, qQNaN());
+        f.turn();
+        QCOMPARE(told.size(), 1);
+        QCOMPARE(told.first().title, u"Clip 1"_s);
+        QCOMPARE(told.first().received, 2000000000LL);
+        QCOMPARE(told.first().total, 5000000000LL);
+        QCOMPARE(told.first().bytesPerSecond, 0LL);
+    }
+
+    void wishesAreFittedToTheOffer_data()
+    {
+        QTest::addColumn<QString>("wish");
+        QTest::addColumn<bool>("keepSource");
+        QTest::addColumn<QString>("formats");
+        QTest::addColumn<QString>("chosen");
+        const QString all = u"22 34 18 5"_s;
+        QTest::newRow("open: the largest") << u":0x0"_s << false << all << u"22 mp4"_s;
+        QTest::newRow("extension only") << u"flv:0x0"_s << false << all << u"34 flv"_s;
+        QTest::newRow("unknown extension") << u"avi:0x0"_s << false << all << u"22 mp4"_s;
+        QTest::newRow("exact size") << u"mp4:640x360"_s << false << all << u"18 mp4"_s;
+        QTest::newRow("next larger") << u"flv:700x400"_s << false << all << u"22 mp4"_s;
+        QTest::newRow("beyond the offer") << u"flv:4000x3000"_s << false << all << u"34 flv"_s;
+        QTest::newRow("source") << u":0x0"_s << true << all << u"34 flv"_s;
+        QTest::newRow("source with a wish") << u"mp4:0x0"_s << true << all << u"22 mp4"_s;
+        QTest::newRow("source without FLV") << u":0x0"_s << true << u"18 22"_s << u"22 mp4"_s;
+        QTest::newRow("unknown number") << u":0x0"_s << false << u"43"_s << u"43 no fmt"_s;
+    }
+
+    void wishesAreFittedToTheOffer()
+    {
+        QFETCH(QString, wish);
+        QFETCH(bool, keepSource);
+        QFETCH(QString, formats);
+        QFETCH(QString, chosen);
+        static const QHash<QString, QString> sizes{{u"22"_s, u"1280x720"_s},
+                                                   {u"5"_s, u"320x240"_s}};
+        QStringList list;
+        QStringList streams;
+        for (const QString &number : formats.split(u' ')) {
+            list << number + u'/' + sizes.value(number, u"640x360"_s);
+            streams << number + u"|http://s/"_s + number;
+        }
+        const QStringList size = wish.section(u':', 1).split(u'x');
+        DownloadRequest request;
+        request.keepSource = keepSource;
+        request.profile =
+            TaskFixture::profile(wish.section(u':', 0, 0), size[0].toInt(), size[1].toInt());
+        DriverFixture f;
+        request.address = f.url(1);
+        const QString key = f.driver->add(request);
+        f.turn();
+        f.engine.sendResponse(key, "title=t\r\nfmt_list=" + list.join(u',').toLatin1() +
+                                       "\r\nfmt_stream_map=" + streams.join(u',').toLatin1());
+        f.turn();
+        const tagTaskInfo video = f.engine.request(key);
+        QCOMPARE(QString::fromLatin1(video.szDownloadURL),
+                 u"http://s/"_s + chosen.section(u' ', 0, 0));
+        QVERIFY(f.savePath(key).endsWith(u"/t."_s + chosen.section(u' ', 1)));
+    }
+
+    void fileTitles_data()
+    {
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<QString>("name");
+        QTest::newRow("plain") << u"Ночь на Волге"_s << u"Ночь на Волге"_s;
+        QTest::newRow("forbidden") << u" ? a/b:\"c\" "_s << u"abc"_s;
+        QTest::newRow("controls") << u"a\x1b[31m\u202Eb\u009Bc\u2028"_s << u"a[31mbc"_s;
+        QTest::newRow("joiners and pairs")
+            << u"می\u200Cخواهم \U0001F386"_s << u"می\u200Cخواهم \U0001F386"_s;
+        QTest::newRow("place markers") << u"100%1 %L2 50% %"_s << u"100% 1 % L2 50% %"_s;
+        QTest::newRow("nothing left") << u" ??? "_s << u"KEY"_s;
+    }
+
+    void fileTitles()
+    {
+        QFETCH(QString, title);
+        narrowtext::setCodec(narrowtext::Codec::Utf8);
+        QTEST(plaintext::fileTitle(title, u"KEY"_s), "name");
+        narrowtext::setCodec(narrowtext::Codec::Latin1);
+    }
+};
+
+QTEST_GUILESS_MAIN(DriverTest)
+#include "tst_driver.moc"
