@@ -1,34 +1,16 @@
 // Saving and loading the history beside a plain program that builds, writes and walks the same DOM.
-#include "history/cxmlhistory.h"
+#include "samplehistory.h"
 
 #include <QDomDocument>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTextStream>
 
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
-#include <functional>
-#include <vector>
+#include <benchmark/benchmark.h>
 
 namespace {
 
-int rounds = 11;
-
-void fill(CXMLHistory &history, int tasks)
-{
-    for (int i = 0; i < tasks; ++i) {
-        CXMLInfo *task = history.Add(nullptr);
-        task->MD5Code = QStringLiteral("%1").arg(i, 32, 16, QLatin1Char('0')).toUpper();
-        task->Title = QStringLiteral("A title of usual length & with an é, number %1").arg(i);
-        task->OrgWebSite = QStringLiteral("http://host/watch?v=%1").arg(i);
-        task->fmt_list = QStringLiteral("35/854x480/9/0/115,34/640x360/9/0/115,18/640x360/9/0/115");
-        task->fmt_stream_map = QStringLiteral("34|http://host/stream?id=1&key=2,").repeated(4);
-        task->DownLoadDate = QDateTime(QDate(2012, 3, 1 + i % 28), QTime(9, 5, 3));
-    }
-}
+using benchmark::State;
 
 QDomElement groupOf(CXMLHistory &history, QDomDocument &document, const QDomElement &parent,
                     const QString &name, int id)
@@ -83,50 +65,51 @@ qsizetype loadThroughDom(const QString &path)
     return walk(document);
 }
 
-double milliseconds(const std::function<void()> &work)
+// A history of as many tasks as the benchmark's argument says, and a file for it.
+struct Sample
 {
-    QElapsedTimer timer;
-    timer.start();
-    work();
-    return double(timer.nsecsElapsed()) / 1e6;
+    explicit Sample(const State &state) { addTasks(history, int(state.range(0))); }
+
+    QTemporaryDir folder;
+    QString path = folder.filePath(QStringLiteral("history.xml"));
+    CXMLHistory history;
+};
+
+void saveOurs(State &state)
+{
+    Sample sample(state);
+    while (state.KeepRunning())
+        sample.history.SaveToFile(sample.path);
 }
 
-double median(std::vector<double> values)
+void savePeer(State &state)
 {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
+    Sample sample(state);
+    while (state.KeepRunning())
+        saveThroughDom(sample.history, sample.path);
 }
 
-// Interleaved, so that whatever else the machine does falls on both.
-void compare(const char *what, const std::function<void()> &ours, const std::function<void()> &peer)
+void loadOurs(State &state)
 {
-    std::vector<double> own;
-    std::vector<double> other;
-    for (int round = 0; round < rounds; ++round) {
-        own.push_back(milliseconds(ours));
-        other.push_back(milliseconds(peer));
-    }
-    std::printf("%-24s %8.1f ms   plain DOM %8.1f ms   ratio %.2f\n", what, median(own),
-                median(other), median(own) / median(other));
+    Sample sample(state);
+    sample.history.SaveToFile(sample.path);
+    while (state.KeepRunning())
+        CXMLHistory().LoadFromFile(sample.path);
 }
+
+void loadPeer(State &state)
+{
+    Sample sample(state);
+    sample.history.SaveToFile(sample.path);
+    while (state.KeepRunning())
+        benchmark::DoNotOptimize(loadThroughDom(sample.path));
+}
+
+constexpr auto unit = benchmark::kMillisecond;
+
+BENCHMARK(saveOurs)->Name("save/ours")->Arg(10000)->Unit(unit);
+BENCHMARK(savePeer)->Name("save/peer")->Arg(10000)->Unit(unit);
+BENCHMARK(loadOurs)->Name("load/ours")->RangeMultiplier(10)->Range(1000, 100000)->Unit(unit);
+BENCHMARK(loadPeer)->Name("load/peer")->Arg(10000)->Unit(unit);
 
 } // namespace
-
-// An argument is the number of rounds, for a quick look.
-int main(int argc, char **argv)
-{
-    if (argc > 1)
-        rounds = std::max(1, std::atoi(argv[1]));
-    const QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("history.xml"));
-    const QString domPath = folder.filePath(QStringLiteral("dom.xml"));
-    CXMLHistory history;
-    fill(history, 10000);
-    compare(
-        "saving 10,000 tasks", [&] { history.SaveToFile(path); },
-        [&] { saveThroughDom(history, domPath); });
-    compare(
-        "loading 10,000 tasks", [&] { CXMLHistory().LoadFromFile(path); },
-        [&] { loadThroughDom(domPath); });
-    return 0;
-}

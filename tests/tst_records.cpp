@@ -73,6 +73,33 @@ private slots:
         list.Add(nullptr);
     }
 
+    /** Where a key was found before must not matter. */
+    void lookUpsFindTheFirst()
+    {
+        CXMLHistory list;
+        const auto add = [&list](const char *key) {
+            auto *info = new CXMLInfo(nullptr);
+            info->MD5Code = QString::fromLatin1(key);
+            return list.Add(info);
+        };
+        QCOMPARE(list.GetIndex(u"K"_s), -1);
+        const std::unique_ptr<CXMLInfo> other(add("other"));
+        add("K");
+        add("K");
+        QCOMPARE(list.GetIndex(u"K"_s), 1);
+        list.remove(0);
+        QCOMPARE(list.GetIndex(u"K"_s), 0);
+        QCOMPARE(list.GetIndex(u"other"_s), -1);
+        list.item(0)->MD5Code = u"other"_s;
+        QCOMPARE(list.GetIndex(u"K"_s), 1);
+        QCOMPARE(list.GetIndex(u"other"_s), 0);
+        list.removeAll();
+        add("first");
+        add("K");
+        add("K");
+        QCOMPARE(list.GetIndex(u"K"_s), 1);
+    }
+
     void profilesAreCopiedWhole()
     {
         TaskFixture f;

@@ -7,6 +7,7 @@
 #include <thread>
 
 #include <pthread.h>
+#include <sys/stat.h>
 
 namespace {
 
@@ -277,6 +278,31 @@ private slots:
         QCOMPARE(f.down->getProgress(f.keyOf(1)), 50 + DOWN_STATE_DOWNLOAD_FINISH);
         QCOMPARE(f.events.size(), 6);
         QCOMPARE(f.state() + u' ' + f.states(), u"3/2 1 3/3"_s);
+    }
+
+    /** The finished video is a pipe, so that its copy lasts until this side closes it. */
+    void copyHoldsNoLock()
+    {
+        TaskFixture f;
+        f.parsed(2, true);
+        for (int number : {1, 2})
+            QCOMPARE(f.down->DoDownloadVideo(f.keyOf(number), true), 0);
+        const QByteArray video = QFile::encodeName(f.task(1)->FileName);
+        QCOMPARE(mkfifo(video.constData(), 0600), 0);
+        std::thread engine([&f] { f.engine.sendState(f.keyOf(1), DOWN_STATE_DOWNLOAD_FINISH); });
+        {
+            QFile pipe(f.task(1)->FileName);
+            const bool isCopying = pipe.open(QIODevice::WriteOnly);
+            f.engine.sendState(f.keyOf(2), DOWN_STATE_DOWNLOAD_FAIL);
+            f.parse(3);
+            if (isCopying)
+                pipe.write("video");
+        }
+        engine.join();
+        QCOMPARE(f.events.value(0).key, f.keyOf(2));
+        QCOMPARE(f.engine.calls("parse"), QStringList{f.keyOf(3)});
+        QCOMPARE(f.read(f.out() + u'/' + QFileInfo(f.task(1)->FileName).fileName()),
+                 QByteArray("video"));
     }
 };
 

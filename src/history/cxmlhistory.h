@@ -8,11 +8,16 @@
 #include <QList>
 #include <QString>
 
+#include <array>
+#include <atomic>
+
 class QDomDocument;
 
 /**
  * Task records in the order in which they were added. Keys are not unique by construction: look-ups
- * give the first record in list order whose `MD5Code` equals the key exactly, at linear cost.
+ * give the first record in list order whose `MD5Code` equals the key exactly. The cost is linear,
+ * except for keys that were found a short while ago: where they stood is looked at first. So whoever
+ * changes `m_InfoList` or the keys of its records by hand keeps the keys unique.
  *
  * Ownership: the list owns its records; `removeAll` and the destructor delete them. A record that
  * `remove` took out is the caller's.
@@ -61,6 +66,15 @@ public:
                                     const QString &attributeName, const QString &attributeValue);
 
     QList<CXMLInfo *> m_InfoList; ///< the records, in order of addition
+
+private:
+    using Positions = std::array<std::atomic<int>, 64>;
+
+    void forgetPositions();
+
+    // Where keys were found last, by their hash. A guess that look-ups verify, hence never wrong by
+    // being old; atomic because threads may look up at the same time.
+    mutable Positions m_found{};
 };
 
 #endif

@@ -43,7 +43,7 @@ qint64 frameArea(int width, int height)
     return static_cast<qint32>(static_cast<quint32>(width) * static_cast<quint32>(height));
 }
 
-std::optional<tagVideoInfo> readFormat(const QString &entry)
+std::optional<tagVideoInfo> readFormat(QStringView entry)
 {
     const auto fields = firstTwoFields(entry, u'/');
     const auto size = fields ? firstTwoFields(fields->second, u'x') : std::nullopt;

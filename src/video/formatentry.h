@@ -21,7 +21,7 @@ qint64 frameArea(int width, int height);
  * Reads an entry of `fmt_list`, "number/WIDTHxHEIGHT/...". The fallback group stays empty.
  * @return nothing when the entry has no "/" or its size no "x"
  */
-std::optional<tagVideoInfo> readFormat(const QString &entry);
+std::optional<tagVideoInfo> readFormat(QStringView entry);
 
 /** The format that a profile asks for; number 0. */
 tagVideoInfo wantedFormat(const Profile_Desc &profile);

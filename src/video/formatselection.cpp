@@ -2,8 +2,9 @@
 
 #include "video/formatentry.h"
 
-#include <QMap>
-#include <QMultiMap>
+#include <QStringTokenizer>
+
+#include <optional>
 
 namespace formatselection {
 
@@ -21,15 +22,42 @@ bool givesWay(const tagVideoInfo &standing, const tagVideoInfo &next, const tagV
     return isMp4(standing) || next.strExt == want.strExt;
 }
 
-// The smallest format that is larger than the wanted one.
-template <typename AreaMap>
-bool nextLarger(const AreaMap &formats, const tagVideoInfo &want, tagVideoInfo &out)
+// What a choice is made among. Areas are compared unsigned: an overflown one is larger than any.
+struct Candidates
 {
-    const auto larger = formats.upperBound(want.nArea);
-    if (larger == formats.cend())
-        return false;
-    formatentry::copyVideoStruct(*larger, out);
-    return true;
+    std::optional<tagVideoInfo> first;
+    std::optional<tagVideoInfo> exact;  // has the wanted area
+    std::optional<tagVideoInfo> larger; // the next larger area; the last listed of that area
+    std::optional<tagVideoInfo> mp4;    // the largest "mp4"; the first listed of that area
+
+    void add(const tagVideoInfo &format, const tagVideoInfo &want)
+    {
+        if (!first)
+            first = format;
+        if (format.nArea == want.nArea && (!exact || givesWay(*exact, format, want)))
+            exact = format;
+        if (format.nArea > want.nArea && (!larger || format.nArea <= larger->nArea))
+            larger = format;
+        if (isMp4(format) && (!mp4 || format.nArea > mp4->nArea))
+            mp4 = format;
+    }
+};
+
+Candidates candidates(const QString &fmtList, const tagVideoInfo &want)
+{
+    Candidates found;
+    for (const QStringView entry : qTokenize(fmtList, u',')) {
+        if (const auto format = formatentry::readFormat(entry))
+            found.add(*format, want);
+    }
+    return found;
+}
+
+bool takeLarger(const Candidates &found, tagVideoInfo &out)
+{
+    if (found.larger)
+        formatentry::copyVideoStruct(*found.larger, out);
+    return found.larger.has_value();
 }
 
 void copyMainGroup(const tagVideoInfo &src, tagVideoInfo &dst)
@@ -56,25 +84,13 @@ int preferredSource(const QString &fmtStreamMap)
 
 bool bestByProfile(const QString &fmtList, tagVideoInfo &want, tagVideoInfo &out)
 {
-    QMap<unsigned long long, tagVideoInfo> formats;
-    bool first = true;
-    for (const QString &entry : fmtList.split(u',')) {
-        const auto format = formatentry::readFormat(entry);
-        if (!format)
-            continue;
-        if (first)
-            formatentry::copyToFallback(*format, out);
-        first = false;
-        const auto standing = formats.constFind(format->nArea);
-        if (format->nArea != want.nArea || standing == formats.cend() ||
-            givesWay(*standing, *format, want))
-            formats.insert(format->nArea, *format);
-    }
-    const auto exact = formats.constFind(want.nArea);
-    if (exact == formats.cend())
-        return nextLarger(formats, want, out);
-    want.nFmt = exact->nFmt;
-    want.strExt = exact->strExt;
+    const Candidates found = candidates(fmtList, want);
+    if (found.first)
+        formatentry::copyToFallback(*found.first, out);
+    if (!found.exact)
+        return takeLarger(found, out);
+    want.nFmt = found.exact->nFmt;
+    want.strExt = found.exact->strExt;
     formatentry::copyVideoStruct(want, out);
     return true;
 }
@@ -82,9 +98,9 @@ bool bestByProfile(const QString &fmtList, tagVideoInfo &want, tagVideoInfo &out
 void bestSource(const QString &fmtStreamMap, const QString &fmtList, tagVideoInfo &out)
 {
     const QString wanted = QString::number(preferredSource(fmtStreamMap));
-    for (const QString &entry : fmtList.split(u',')) {
+    for (const QStringView entry : qTokenize(fmtList, u',')) {
         const auto format = formatentry::readFormat(entry);
-        if (!format || QStringView(entry).first(entry.indexOf(u'/')) != wanted)
+        if (!format || entry.first(entry.indexOf(u'/')) != wanted)
             continue;
         out.nFmt = format->nFmt;
         out.strSize = format->strSize;
@@ -96,26 +112,14 @@ void bestSource(const QString &fmtStreamMap, const QString &fmtList, tagVideoInf
 
 bool equalOrLarger(const QString &fmtList, const tagVideoInfo &want, tagVideoInfo &out)
 {
-    // QMultiMap visits equal keys newest first, which the choice among equal areas relies on.
-    QMultiMap<unsigned long long, tagVideoInfo> formats;
-    for (const QString &entry : fmtList.split(u',')) {
-        const auto format = formatentry::readFormat(entry);
-        if (!format)
-            continue;
-        const auto newest = formats.constFind(format->nArea);
-        if (format->nArea != want.nArea || newest == formats.cend() ||
-            givesWay(*newest, *format, want))
-            formats.insert(format->nArea, *format);
+    const Candidates found = candidates(fmtList, want);
+    if (found.exact) {
+        copyMainGroup(*found.exact, out);
+        return true;
     }
-    const auto exact = formats.constFind(want.nArea);
-    for (auto it = formats.cbegin(); it != exact && it != formats.cend(); ++it) {
-        if (isMp4(*it))
-            copyMainGroup(*it, out);
-    }
-    if (exact == formats.cend())
-        return nextLarger(formats, want, out);
-    copyMainGroup(*exact, out);
-    return true;
+    if (found.mp4)
+        copyMainGroup(*found.mp4, out);
+    return takeLarger(found, out);
 }
 
 } // namespace formatselection
