@@ -12,14 +12,16 @@ bool Gate::hold()
     ++m_held;
     m_changed.notify_all();
     m_changed.wait(lock, [this, before = m_releases] { return m_closed || m_releases != before; });
-    --m_held;
     return !m_closed;
 }
 
+// Whom it lets go is held no longer from now on, not from when its thread wakes: whoever waits for
+// the next to be held must not find the last.
 void Gate::release()
 {
     const std::lock_guard lock(m_mutex);
     ++m_releases;
+    m_held = 0;
     m_changed.notify_all();
 }
 

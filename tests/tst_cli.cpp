@@ -241,7 +241,8 @@ private slots:
         QVERIFY(ended.output.isEmpty());
         if (numbers.size() > 1)
             return;
-        QVERIFY(ended.error.contains(u"0 finished, 0 failed, 2 stopped"_s));
+        QVERIFY2(ended.error.contains(u"0 finished, 0 failed, 2 stopped"_s),
+                 qPrintable(ended.error));
         QVERIFY(files().isEmpty());
         m_site.clearMisbehaviours();
         QCOMPARE(run({u"get"_s, page("small-1")}).code, 0);

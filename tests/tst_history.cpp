@@ -168,349 +168,339 @@ private slots:
         m_path = m_folder.filePath(QStringLiteral("history.xml"));
     }
 
-    void emptyListGivesBareRoot();
-    void groupsByDateInOrderOfOccurrence();
-    void writesWhatTheDomSerializerWrites();
-    void randomRecordsComeBack();
-    void skippedLocalTimeSurvives();
-    void missingAndOddValues();
-    void readsOnlyTheFourthLevel_data();
-    void readsOnlyTheFourthLevel();
-    void damageCostsOnlyTheDamage_data();
-    void damageCostsOnlyTheDamage();
-    void hostileFilesEndOnASmallStack();
-    void randomMutationsLoad();
-    void missingFileIsAnnouncedWithoutTheLock();
-    void whereNoBoxCanBeShownLoadingGoesOn();
+    void emptyListGivesBareRoot()
+    {
+        write(m_path, QByteArray(10000, 'x'));
+        CXMLHistory().SaveToFile(m_path);
+        const QByteArray content = contentOf(m_path);
+        QVERIFY(content.startsWith("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"));
+        QDomDocument parsed;
+        QVERIFY(parsed.setContent(content));
+        const QDomElement root = parsed.documentElement();
+        QCOMPARE(root.tagName(), QStringLiteral("DownloadInfos_History"));
+        QCOMPARE(root.attribute(QStringLiteral("version")), QStringLiteral("1.0"));
+        QCOMPARE(root.attribute(QStringLiteral("CacheUseSize")), QStringLiteral("1000"));
+        QCOMPARE(root.attribute(QStringLiteral("MaxID")), QStringLiteral("100"));
+        QVERIFY(root.firstChild().isNull());
+    }
+
+    void groupsByDateInOrderOfOccurrence()
+    {
+        CXMLHistory history;
+        const QDate dates[] = {{2012, 3, 7}, {2013, 5, 1}, {2012, 3, 7}, {2012, 5, 1}, {}};
+        for (int i = 0; i < 5; ++i) {
+            CXMLInfo *info = history.Add(nullptr);
+            info->MD5Code = QString::number(i);
+            info->DownLoadDate = QDateTime(dates[i], QTime(9, 5, 3));
+        }
+        history.SaveToFile(m_path);
+        const QByteArray content = contentOf(m_path);
+        QCOMPARE(content.count("<year "), 3);
+        QCOMPARE(content.count("<month "), 4);
+        QVERIFY(content.contains("\n   <year yearid=\"2012\">\n      <month monthid=\"3\">\n"
+                                 "         <day dayid=\"7\">\n            <Info>\n"));
+        QVERIFY(content.contains("<year yearid=\"0\">\n      <month monthid=\"0\">\n"
+                                 "         <day dayid=\"0\">"));
+        QVERIFY(content.contains("<DownLoadDate>2012-3-7 9:5:3</DownLoadDate>"));
+
+        CXMLHistory loaded;
+        loaded.LoadFromFile(m_path);
+        loaded.LoadFromFile(m_path);
+        QCOMPARE(keysOf(loaded).join(u' '), QStringLiteral("0 2 3 1 4 0 2 3 1 4"));
+        QCOMPARE(loaded.item(0)->History, &loaded);
+    }
+
+    void writesWhatTheDomSerializerWrites()
+    {
+        QRandomGenerator random(7);
+        CXMLHistory history;
+        QDomDocument document;
+        QDomElement day = document.createElement(QStringLiteral("day"));
+        document.appendChild(day);
+        for (int i = 0; i < 50; ++i) {
+            CXMLInfo *info = history.Add(nullptr);
+            randomize(*info, random);
+            info->DownLoadDate = QDateTime(QDate(2020, 1, 1), QTime(0, 0));
+            QDomElement element = document.createElement(QStringLiteral("Info"));
+            day.appendChild(element);
+            info->toDomNode(document, element);
+        }
+        QString dom;
+        QTextStream stream(&dom);
+        document.save(stream, 3);
+        history.SaveToFile(m_path);
+        // The same tasks stand three levels deeper in the file.
+        QString written = QString::fromUtf8(contentOf(m_path));
+        written = written.mid(written.indexOf(QStringLiteral("<Info>")));
+        written.truncate(written.indexOf(QStringLiteral("         </day>")));
+        QString indented = dom.mid(dom.indexOf(QStringLiteral("<Info>")));
+        indented.truncate(indented.indexOf(QStringLiteral("</day>")));
+        const QRegularExpression indentation(QStringLiteral("\n *"));
+        QCOMPARE(written.replace(indentation, QStringLiteral("\n")),
+                 indented.replace(indentation, QStringLiteral("\n")));
+    }
+
+    void randomRecordsComeBack()
+    {
+        QRandomGenerator random(20261122);
+        CXMLHistory history;
+        for (int i = 0; i < 2000; ++i)
+            randomize(*history.Add(nullptr), random);
+        const QLocale before;
+        QLocale::setDefault(QLocale(QLocale::German)); // decimal commas must not reach the file
+        history.SaveToFile(m_path);
+        CXMLHistory loaded;
+        loaded.LoadFromFile(m_path);
+        QLocale::setDefault(before);
+        QCOMPARE(loaded.count(), history.count());
+
+        // The file's order is that of the groups, so records are found again by their numbers.
+        QHash<QString, QList<CXMLInfo *>> byContent;
+        const auto mark = [](const CXMLInfo &info) {
+            return QString::number(info.FileSize) + u'/' + QString::number(info.State);
+        };
+        for (CXMLInfo *info : std::as_const(loaded.m_InfoList))
+            byContent[mark(*info)].append(info);
+        for (const CXMLInfo *info : std::as_const(history.m_InfoList)) {
+            const auto found = byContent.value(mark(*info));
+            QCOMPARE(found.size(), 1);
+            compare(*found.first(), *info);
+            if (QTest::currentTestFailed())
+                return;
+        }
+    }
+
+    void skippedLocalTimeSurvives()
+    {
+        // In Berlin the clock went from 1:59:59 to 3:00:00 on that day.
+        CXMLHistory history;
+        history.Add(nullptr)->DownLoadDate = QDateTime(QDate(2021, 3, 28), QTime(2, 30, 0));
+        history.SaveToFile(m_path);
+        CXMLHistory loaded;
+        loaded.LoadFromFile(m_path);
+        loaded.SaveToFile(m_path);
+        QVERIFY(contentOf(m_path).contains("<DownLoadDate>2021-3-28 2:30:0</DownLoadDate>"));
+    }
+
+    void missingAndOddValues()
+    {
+        write(m_path,
+              document("<Info><Title>first</Title><Title>second</Title><State> 7 </State>"
+                       "<FileSize>9223372036854775807</FileSize><Duration>2147483648</Duration>"
+                       "<unknown>x</unknown><TaskCreateTime>2012-13-1 1:2:3</TaskCreateTime>"
+                       "<DownLoadDate>2012-3-7 9:5:3</DownLoadDate><VideoID>a<b>c</b>d</VideoID>"
+                       "<BaseName>\xc2\xa0 </BaseName><Profile><includeVideo>TRUE</includeVideo>"
+                       "<interlaced>1</interlaced><vFps>23,976</vFps><vAspect>1.5</vAspect>"
+                       "</Profile><Profile><vAspect>2</vAspect></Profile></Info><Info/>"));
+        CXMLHistory history;
+        history.LoadFromFile(m_path);
+        QCOMPARE(history.count(), 2);
+        const CXMLInfo &odd = *history.item(0);
+        QCOMPARE(odd.Title, QStringLiteral("first"));
+        QCOMPARE(odd.State, 7);
+        QCOMPARE(odd.FileSize, Q_INT64_C(9223372036854775807));
+        QCOMPARE(odd.Duration, 0);
+        QVERIFY(!odd.TaskCreateTime.isValid());
+        QCOMPARE(odd.DownLoadDate, QDateTime(QDate(2012, 3, 7), QTime(9, 5, 3)));
+        QCOMPARE(odd.VideoID, QStringLiteral("acd"));
+        QVERIFY(odd.Profile->m_pDesc->includeVideo);
+        QVERIFY(!odd.Profile->m_pDesc->interlaced);
+        QCOMPARE(odd.Profile->m_pDesc->vFps, 0.0F);
+        QCOMPARE(odd.Profile->m_pDesc->vAspect, 1.5F);
+        const CXMLInfo &empty = *history.item(1);
+        QCOMPARE(empty.State + empty.ParseState + empty.ThreadNum + empty.Duration, 0);
+        QVERIFY(!empty.Title.isNull() && empty.Title.isEmpty() && !empty.DownLoadDate.isValid());
+    }
+
+    void readsOnlyTheFourthLevel_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QString>("keys");
+        QTest::newRow("other names above")
+            << QByteArray("<r><a><b><c>" + task("A") + "</c></b><b><c>" + task("B") +
+                          "</c></b></a></r>")
+            << QStringLiteral("A B");
+        QTest::newRow("too high") << QByteArray("<r><a><b>" + task("A") + "</b></a></r>")
+                                  << QString();
+        QTest::newRow("too deep") << QByteArray("<r><a><b><c><d>" + task("A") +
+                                                "</d></c></b></a></r>")
+                                  << QString();
+        QTest::newRow("other case") << document("<info><MD5Code>A</MD5Code></info>") << QString();
+        QTest::newRow("prefixed") << document("<x:Info xmlns:x='u'><MD5Code>A</MD5Code></x:Info>")
+                                  << QString();
+        QTest::newRow("not XML") << QByteArray("%PDF-1.4") << QString();
+        QTest::newRow("empty") << QByteArray() << QString();
+    }
+
+    void readsOnlyTheFourthLevel()
+    {
+        QFETCH(QByteArray, content);
+        write(m_path, content);
+        CXMLHistory history;
+        history.LoadFromFile(m_path);
+        QTEST(keysOf(history).join(u' '), "keys");
+    }
+
+    void damageCostsOnlyTheDamage_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QString>("keys");
+        const QByteArray three = document(task("A") + task("B") + task("C"));
+        const auto damaged = [&three](const QByteArray &what) {
+            return QByteArray(three).replace("B</MD5Code><Title>t", "B</MD5Code><Title>" + what);
+        };
+        QTest::newRow("cut in the third")
+            << three.left(three.indexOf("C</MD5") + 1) << QStringLiteral("A B ");
+        QTest::newRow("not UTF-8") << damaged("\xff\xc3") << QStringLiteral("A B C");
+        QTest::newRow("control characters")
+            << damaged(QByteArray("\x01\0\x1f", 3)) << QStringLiteral("A B C");
+        QTest::newRow("bad references")
+            << damaged("&#0;&#x1F;&#xD800;&#xFFFFFFFFF;&#65;") << QStringLiteral("A B C");
+        QTest::newRow("mismatched tags") << damaged("<i></b>") << QStringLiteral("A B");
+        QTest::newRow("unknown entity") << damaged("&nbsp;") << QStringLiteral("A B");
+        QTest::newRow("byte order mark")
+            << QByteArray("\xef\xbb\xbf" + three) << QStringLiteral("A B C");
+        const QString wide = QString::fromUtf8(three);
+        const char16_t mark = 0xfeff;
+        QTest::newRow("UTF-16") << QByteArray(reinterpret_cast<const char *>(&mark), 2) +
+                                       QByteArray(reinterpret_cast<const char *>(wide.utf16()),
+                                                  wide.size() * 2)
+                                << QStringLiteral("A B C");
+        QTest::newRow("declared Latin-1")
+            << QByteArray("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n" +
+                          document(task("\xe9")))
+            << QStringLiteral("\u00e9");
+        QTest::newRow("unknown encoding")
+            << QByteArray("<?xml version=\"1.0\" encoding=\"klingon\"?>\n" + three)
+            << QStringLiteral("A B C");
+        QByteArray bomb = "<!DOCTYPE d [<!ENTITY e0 \"" + QByteArray(100, 'x') + "\">";
+        for (int i = 1; i < 12; ++i)
+            bomb += QStringLiteral("<!ENTITY e%1 \"%2\">")
+                        .arg(i)
+                        .arg(QStringLiteral("&e%1;").arg(i - 1).repeated(10))
+                        .toLatin1();
+        QTest::newRow("entity bomb") << bomb + "]>" + damaged("&e11;") << QStringLiteral("A B");
+    }
+
+    void damageCostsOnlyTheDamage()
+    {
+        QFETCH(QByteArray, content);
+        write(m_path, content);
+        CXMLHistory history;
+        history.LoadFromFile(m_path);
+        QTEST(keysOf(history).join(u' '), "keys");
+    }
+
+    void hostileFilesEndOnASmallStack()
+    {
+        QByteArray deep = document(task("A") + "<Info>" + QByteArray("<a>").repeated(100000));
+        write(m_path, deep);
+        auto history = std::make_unique<CXMLHistory>();
+        history->Add(nullptr)->Title =
+            QString(2000000, u'&'); // quadratic escaping would take minutes
+
+        // std::thread cannot choose its stack size.
+        struct Arguments
+        {
+            QString path;
+            CXMLHistory *history;
+        } arguments{m_path, history.get()};
+        pthread_attr_t attributes;
+        pthread_attr_init(&attributes);
+        pthread_attr_setstacksize(&attributes, std::size_t{512} * 1024);
+        const auto run = [](void *data) -> void * {
+            const auto &given = *static_cast<Arguments *>(data);
+            CXMLHistory loaded;
+            loaded.LoadFromFile(given.path);
+            given.history->m_InfoList.first()->State = loaded.count();
+            given.history->SaveToFile(given.path);
+            return nullptr;
+        };
+        pthread_t thread;
+        QCOMPARE(pthread_create(&thread, &attributes, run, &arguments), 0);
+        pthread_join(thread, nullptr);
+        pthread_attr_destroy(&attributes);
+        QCOMPARE(history->item(0)->State, 2); // the sound task, and the one that never ends
+        CXMLHistory loaded;
+        loaded.LoadFromFile(m_path);
+        QCOMPARE(loaded.item(0)->Title, history->item(0)->Title);
+    }
+
+    void randomMutationsLoad()
+    {
+        QRandomGenerator random(42);
+        CXMLHistory history;
+        for (int i = 0; i < 5; ++i)
+            randomize(*history.Add(nullptr), random);
+        history.SaveToFile(m_path);
+        const QByteArray sound = contentOf(m_path);
+        for (int round = 0; round < 2000; ++round) {
+            QByteArray content = sound;
+            for (int change = random.bounded(1, 6); change > 0; --change) {
+                const qsizetype at = random.bounded(int(content.size()));
+                switch (random.bounded(4)) {
+                case 0:
+                    content[at] = char(random.bounded(256));
+                    break;
+                case 1:
+                    content.remove(at, random.bounded(1, 40));
+                    break;
+                case 2:
+                    content.insert(at, content.mid(random.bounded(int(content.size())), 60));
+                    break;
+                default:
+                    content.insert(at, random.bounded(2) == 0 ? "<" : "&");
+                }
+            }
+            write(m_path, content);
+            CXMLHistory loaded;
+            loaded.LoadFromFile(m_path);
+            QVERIFY2(loaded.count() <= 5 + 6, qPrintable(QString::number(round)));
+            // Whatever was read must be fit to be kept.
+            loaded.SaveToFile(m_path);
+            CXMLHistory again;
+            again.LoadFromFile(m_path);
+            QCOMPARE(again.count(), loaded.count());
+        }
+    }
+
+    void missingFileIsAnnouncedWithoutTheLock()
+    {
+        tagDownInfo settings;
+        CDown controller(&settings);
+        QStringList texts;
+        QTimer::singleShot(0, [&texts] {
+            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            if (box == nullptr)
+                return;
+            texts << box->windowTitle() << box->text();
+            std::thread([] { const ControllerLock lock; }).join();
+            box->button(QMessageBox::Ok)->click();
+        });
+        {
+            const ControllerLock lock;
+            controller.LoadFromFile(QString());
+        }
+        QCOMPARE(texts, QStringList({QStringLiteral("information"),
+                                     QStringLiteral("XML File does not exist!")}));
+        QCOMPARE(controller.count(), 0);
+    }
+
+    void whereNoBoxCanBeShownLoadingGoesOn()
+    {
+        CXMLHistory history;
+        std::thread([&] {
+            history.LoadFromFile(m_folder.filePath(QStringLiteral("none.xml")));
+        }).join();
+        history.SaveToFile(QString());
+        history.SaveToFile(m_folder.filePath(QStringLiteral("no/such/folder.xml")));
+        QCOMPARE(history.count(), 0);
+    }
 
 private:
     QTemporaryDir m_folder;
     QString m_path;
 };
-
-void HistoryTest::emptyListGivesBareRoot()
-{
-    write(m_path, QByteArray(10000, 'x'));
-    CXMLHistory().SaveToFile(m_path);
-    const QByteArray content = contentOf(m_path);
-    QVERIFY(content.startsWith("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"));
-    QDomDocument parsed;
-    QVERIFY(parsed.setContent(content));
-    const QDomElement root = parsed.documentElement();
-    QCOMPARE(root.tagName(), QStringLiteral("DownloadInfos_History"));
-    QCOMPARE(root.attribute(QStringLiteral("version")), QStringLiteral("1.0"));
-    QCOMPARE(root.attribute(QStringLiteral("CacheUseSize")), QStringLiteral("1000"));
-    QCOMPARE(root.attribute(QStringLiteral("MaxID")), QStringLiteral("100"));
-    QVERIFY(root.firstChild().isNull());
-}
-
-void HistoryTest::groupsByDateInOrderOfOccurrence()
-{
-    CXMLHistory history;
-    const QDate dates[] = {{2012, 3, 7}, {2013, 5, 1}, {2012, 3, 7}, {2012, 5, 1}, {}};
-    for (int i = 0; i < 5; ++i) {
-        CXMLInfo *info = history.Add(nullptr);
-        info->MD5Code = QString::number(i);
-        info->DownLoadDate = QDateTime(dates[i], QTime(9, 5, 3));
-    }
-    history.SaveToFile(m_path);
-    const QByteArray content = contentOf(m_path);
-    QCOMPARE(content.count("<year "), 3);
-    QCOMPARE(content.count("<month "), 4);
-    QVERIFY(content.contains("\n   <year yearid=\"2012\">\n      <month monthid=\"3\">\n"
-                             "         <day dayid=\"7\">\n            <Info>\n"));
-    QVERIFY(content.contains("<year yearid=\"0\">\n      <month monthid=\"0\">\n"
-                             "         <day dayid=\"0\">"));
-    QVERIFY(content.contains("<DownLoadDate>2012-3-7 9:5:3</DownLoadDate>"));
-
-    CXMLHistory loaded;
-    loaded.LoadFromFile(m_path);
-    loaded.LoadFromFile(m_path);
-    QCOMPARE(keysOf(loaded).join(u' '), QStringLiteral("0 2 3 1 4 0 2 3 1 4"));
-    QCOMPARE(loaded.item(0)->History, &loaded);
-}
-
-void HistoryTest::writesWhatTheDomSerializerWrites()
-{
-    QRandomGenerator random(7);
-    CXMLHistory history;
-    QDomDocument document;
-    QDomElement day = document.createElement(QStringLiteral("day"));
-    document.appendChild(day);
-    for (int i = 0; i < 50; ++i) {
-        CXMLInfo *info = history.Add(nullptr);
-        randomize(*info, random);
-        info->DownLoadDate = QDateTime(QDate(2020, 1, 1), QTime(0, 0));
-        QDomElement element = document.createElement(QStringLiteral("Info"));
-        day.appendChild(element);
-        info->toDomNode(document, element);
-    }
-    QString dom;
-    QTextStream stream(&dom);
-    document.save(stream, 3);
-    history.SaveToFile(m_path);
-    // The same tasks stand three levels deeper in the file.
-    QString written = QString::fromUtf8(contentOf(m_path));
-    written = written.mid(written.indexOf(QStringLiteral("<Info>")));
-    written.truncate(written.indexOf(QStringLiteral("         </day>")));
-    QString indented = dom.mid(dom.indexOf(QStringLiteral("<Info>")));
-    indented.truncate(indented.indexOf(QStringLiteral("</day>")));
-    const QRegularExpression indentation(QStringLiteral("\n *"));
-    QCOMPARE(written.replace(indentation, QStringLiteral("\n")),
-             indented.replace(indentation, QStringLiteral("\n")));
-}
-
-void HistoryTest::randomRecordsComeBack()
-{
-    QRandomGenerator random(20261122);
-    CXMLHistory history;
-    for (int i = 0; i < 2000; ++i)
-        randomize(*history.Add(nullptr), random);
-    const QLocale before;
-    QLocale::setDefault(QLocale(QLocale::German)); // decimal commas must not reach the file
-    history.SaveToFile(m_path);
-    CXMLHistory loaded;
-    loaded.LoadFromFile(m_path);
-    QLocale::setDefault(before);
-    QCOMPARE(loaded.count(), history.count());
-
-    // The file's order is that of the groups, so records are found again by their numbers.
-    QHash<QString, QList<CXMLInfo *>> byContent;
-    const auto mark = [](const CXMLInfo &info) {
-        return QString::number(info.FileSize) + u'/' + QString::number(info.State);
-    };
-    for (CXMLInfo *info : std::as_const(loaded.m_InfoList))
-        byContent[mark(*info)].append(info);
-    for (const CXMLInfo *info : std::as_const(history.m_InfoList)) {
-        const auto found = byContent.value(mark(*info));
-        QCOMPARE(found.size(), 1);
-        compare(*found.first(), *info);
-        if (QTest::currentTestFailed())
-            return;
-    }
-}
-
-void HistoryTest::skippedLocalTimeSurvives()
-{
-    // In Berlin the clock went from 1:59:59 to 3:00:00 on that day.
-    CXMLHistory history;
-    history.Add(nullptr)->DownLoadDate = QDateTime(QDate(2021, 3, 28), QTime(2, 30, 0));
-    history.SaveToFile(m_path);
-    CXMLHistory loaded;
-    loaded.LoadFromFile(m_path);
-    loaded.SaveToFile(m_path);
-    QVERIFY(contentOf(m_path).contains("<DownLoadDate>2021-3-28 2:30:0</DownLoadDate>"));
-}
-
-void HistoryTest::missingAndOddValues()
-{
-    write(m_path,
-          document("<Info><Title>first</Title><Title>second</Title><State> 7 </State>"
-                   "<FileSize>9223372036854775807</FileSize><Duration>2147483648</Duration>"
-                   "<unknown>x</unknown><TaskCreateTime>2012-13-1 1:2:3</TaskCreateTime>"
-                   "<DownLoadDate>2012-3-7 9:5:3</DownLoadDate><VideoID>a<b>c</b>d</VideoID>"
-                   "<BaseName>\xc2\xa0 </BaseName><Profile><includeVideo>TRUE</includeVideo>"
-                   "<interlaced>1</interlaced><vFps>23,976</vFps><vAspect>1.5</vAspect>"
-                   "</Profile><Profile><vAspect>2</vAspect></Profile></Info><Info/>"));
-    CXMLHistory history;
-    history.LoadFromFile(m_path);
-    QCOMPARE(history.count(), 2);
-    const CXMLInfo &odd = *history.item(0);
-    QCOMPARE(odd.Title, QStringLiteral("first"));
-    QCOMPARE(odd.State, 7);
-    QCOMPARE(odd.FileSize, Q_INT64_C(9223372036854775807));
-    QCOMPARE(odd.Duration, 0);
-    QVERIFY(!odd.TaskCreateTime.isValid());
-    QCOMPARE(odd.DownLoadDate, QDateTime(QDate(2012, 3, 7), QTime(9, 5, 3)));
-    QCOMPARE(odd.VideoID, QStringLiteral("acd"));
-    QVERIFY(odd.Profile->m_pDesc->includeVideo);
-    QVERIFY(!odd.Profile->m_pDesc->interlaced);
-    QCOMPARE(odd.Profile->m_pDesc->vFps, 0.0F);
-    QCOMPARE(odd.Profile->m_pDesc->vAspect, 1.5F);
-    const CXMLInfo &empty = *history.item(1);
-    QCOMPARE(empty.State + empty.ParseState + empty.ThreadNum + empty.Duration, 0);
-    QVERIFY(!empty.Title.isNull() && empty.Title.isEmpty() && !empty.DownLoadDate.isValid());
-}
-
-void HistoryTest::readsOnlyTheFourthLevel_data()
-{
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<QString>("keys");
-    QTest::newRow("other names above") << QByteArray("<r><a><b><c>" + task("A") + "</c></b><b><c>" +
-                                                     task("B") + "</c></b></a></r>")
-                                       << QStringLiteral("A B");
-    QTest::newRow("too high") << QByteArray("<r><a><b>" + task("A") + "</b></a></r>") << QString();
-    QTest::newRow("too deep") << QByteArray("<r><a><b><c><d>" + task("A") + "</d></c></b></a></r>")
-                              << QString();
-    QTest::newRow("other case") << document("<info><MD5Code>A</MD5Code></info>") << QString();
-    QTest::newRow("prefixed") << document("<x:Info xmlns:x='u'><MD5Code>A</MD5Code></x:Info>")
-                              << QString();
-    QTest::newRow("not XML") << QByteArray("%PDF-1.4") << QString();
-    QTest::newRow("empty") << QByteArray() << QString();
-}
-
-void HistoryTest::readsOnlyTheFourthLevel()
-{
-    QFETCH(QByteArray, content);
-    write(m_path, content);
-    CXMLHistory history;
-    history.LoadFromFile(m_path);
-    QTEST(keysOf(history).join(u' '), "keys");
-}
-
-void HistoryTest::damageCostsOnlyTheDamage_data()
-{
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<QString>("keys");
-    const QByteArray three = document(task("A") + task("B") + task("C"));
-    const auto damaged = [&three](const QByteArray &what) {
-        return QByteArray(three).replace("B</MD5Code><Title>t", "B</MD5Code><Title>" + what);
-    };
-    QTest::newRow("cut in the third")
-        << three.left(three.indexOf("C</MD5") + 1) << QStringLiteral("A B ");
-    QTest::newRow("not UTF-8") << damaged("\xff\xc3") << QStringLiteral("A B C");
-    QTest::newRow("control characters")
-        << damaged(QByteArray("\x01\0\x1f", 3)) << QStringLiteral("A B C");
-    QTest::newRow("bad references")
-        << damaged("&#0;&#x1F;&#xD800;&#xFFFFFFFFF;&#65;") << QStringLiteral("A B C");
-    QTest::newRow("mismatched tags") << damaged("<i></b>") << QStringLiteral("A B");
-    QTest::newRow("unknown entity") << damaged("&nbsp;") << QStringLiteral("A B");
-    QTest::newRow("byte order mark")
-        << QByteArray("\xef\xbb\xbf" + three) << QStringLiteral("A B C");
-    const QString wide = QString::fromUtf8(three);
-    const char16_t mark = 0xfeff;
-    QTest::newRow("UTF-16") << QByteArray(reinterpret_cast<const char *>(&mark), 2) +
-                                   QByteArray(reinterpret_cast<const char *>(wide.utf16()),
-                                              wide.size() * 2)
-                            << QStringLiteral("A B C");
-    QTest::newRow("declared Latin-1")
-        << QByteArray("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n" + document(task("\xe9")))
-        << QStringLiteral("\u00e9");
-    QTest::newRow("unknown encoding")
-        << QByteArray("<?xml version=\"1.0\" encoding=\"klingon\"?>\n" + three)
-        << QStringLiteral("A B C");
-    QByteArray bomb = "<!DOCTYPE d [<!ENTITY e0 \"" + QByteArray(100, 'x') + "\">";
-    for (int i = 1; i < 12; ++i)
-        bomb += QStringLiteral("<!ENTITY e%1 \"%2\">")
-                    .arg(i)
-                    .arg(QStringLiteral("&e%1;").arg(i - 1).repeated(10))
-                    .toLatin1();
-    QTest::newRow("entity bomb") << bomb + "]>" + damaged("&e11;") << QStringLiteral("A B");
-}
-
-void HistoryTest::damageCostsOnlyTheDamage()
-{
-    QFETCH(QByteArray, content);
-    write(m_path, content);
-    CXMLHistory history;
-    history.LoadFromFile(m_path);
-    QTEST(keysOf(history).join(u' '), "keys");
-}
-
-void HistoryTest::hostileFilesEndOnASmallStack()
-{
-    QByteArray deep = document(task("A") + "<Info>" + QByteArray("<a>").repeated(100000));
-    write(m_path, deep);
-    auto history = std::make_unique<CXMLHistory>();
-    history->Add(nullptr)->Title = QString(2000000, u'&'); // quadratic escaping would take minutes
-
-    // std::thread cannot choose its stack size.
-    struct Arguments
-    {
-        QString path;
-        CXMLHistory *history;
-    } arguments{m_path, history.get()};
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, std::size_t{512} * 1024);
-    const auto run = [](void *data) -> void * {
-        const auto &given = *static_cast<Arguments *>(data);
-        CXMLHistory loaded;
-        loaded.LoadFromFile(given.path);
-        given.history->m_InfoList.first()->State = loaded.count();
-        given.history->SaveToFile(given.path);
-        return nullptr;
-    };
-    pthread_t thread;
-    QCOMPARE(pthread_create(&thread, &attributes, run, &arguments), 0);
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
-    QCOMPARE(history->item(0)->State, 2); // the sound task, and the one that never ends
-    CXMLHistory loaded;
-    loaded.LoadFromFile(m_path);
-    QCOMPARE(loaded.item(0)->Title, history->item(0)->Title);
-}
-
-void HistoryTest::randomMutationsLoad()
-{
-    QRandomGenerator random(42);
-    CXMLHistory history;
-    for (int i = 0; i < 5; ++i)
-        randomize(*history.Add(nullptr), random);
-    history.SaveToFile(m_path);
-    const QByteArray sound = contentOf(m_path);
-    for (int round = 0; round < 2000; ++round) {
-        QByteArray content = sound;
-        for (int change = random.bounded(1, 6); change > 0; --change) {
-            const qsizetype at = random.bounded(int(content.size()));
-            switch (random.bounded(4)) {
-            case 0:
-                content[at] = char(random.bounded(256));
-                break;
-            case 1:
-                content.remove(at, random.bounded(1, 40));
-                break;
-            case 2:
-                content.insert(at, content.mid(random.bounded(int(content.size())), 60));
-                break;
-            default:
-                content.insert(at, random.bounded(2) == 0 ? "<" : "&");
-            }
-        }
-        write(m_path, content);
-        CXMLHistory loaded;
-        loaded.LoadFromFile(m_path);
-        QVERIFY2(loaded.count() <= 5 + 6, qPrintable(QString::number(round)));
-        // Whatever was read must be fit to be kept.
-        loaded.SaveToFile(m_path);
-        CXMLHistory again;
-        again.LoadFromFile(m_path);
-        QCOMPARE(again.count(), loaded.count());
-    }
-}
-
-void HistoryTest::missingFileIsAnnouncedWithoutTheLock()
-{
-    tagDownInfo settings;
-    CDown controller(&settings);
-    QStringList texts;
-    QTimer::singleShot(0, [&texts] {
-        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-        if (box == nullptr)
-            return;
-        texts << box->windowTitle() << box->text();
-        std::thread([] { const ControllerLock lock; }).join();
-        box->button(QMessageBox::Ok)->click();
-    });
-    {
-        const ControllerLock lock;
-        controller.LoadFromFile(QString());
-    }
-    QCOMPARE(texts, QStringList({QStringLiteral("information"),
-                                 QStringLiteral("XML File does not exist!")}));
-    QCOMPARE(controller.count(), 0);
-}
-
-void HistoryTest::whereNoBoxCanBeShownLoadingGoesOn()
-{
-    CXMLHistory history;
-    std::thread([&] {
-        history.LoadFromFile(m_folder.filePath(QStringLiteral("none.xml")));
-    }).join();
-    history.SaveToFile(QString());
-    history.SaveToFile(m_folder.filePath(QStringLiteral("no/such/folder.xml")));
-    QCOMPARE(history.count(), 0);
-}
 
 QTEST_MAIN(HistoryTest)
 #include "tst_history.moc"

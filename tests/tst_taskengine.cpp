@@ -62,55 +62,883 @@ class TestTaskEngine : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void init()
+    {
+        m_folder = std::make_unique<QTemporaryDir>();
+        m_log = std::make_unique<EventLog>();
+        m_site = std::make_unique<VideoSite>();
+        m_site->setSmallVideoSize(videoSize);
+        QVERIFY(m_folder->isValid() && m_site->start());
+        m_options = {};
+        taskengine::setOptions(m_options);
+        QCOMPARE(DownloadInit(), 0);
+    }
 
-    void parseResult_data();
-    void parseResult();
-    void videoInfoAddress_data();
-    void videoInfoAddress();
-    void commandResult_data();
-    void commandResult();
-    void commandIsKilledWhenTimeIsUp();
+    /** Each request that was accepted in a test must have ended exactly once, unless it was quit.
+     */
+    void cleanup()
+    {
+        QCOMPARE(DownloadCleanup(), 0);
+        QCOMPARE(DownloadCleanup(), -1);
+        m_site->stop();
+        for (const LoggedEvent &event : m_log->events()) {
+            const QList<LoggedEvent> all = m_log->events(event.key);
+            const auto ends = std::count_if(all.begin(), all.end(),
+                                            [](const auto &one) { return isTerminal(one.code); });
+            const auto starts = m_log->count(event.key, DOWN_STATE_START_DOWNLOAD) +
+                                m_log->count(event.key, DOWN_STATE_START_PARSE);
+            QVERIFY2(ends <= starts, event.key.c_str());
+        }
+    }
 
-    void downloadsAreExact();
-    void downloadFailure_data();
-    void downloadFailure();
-    void faultyServer_data();
-    void faultyServer();
-    void target_data();
-    void target();
-    void unwritableFolder();
-    void unusableRecord_data();
-    void unusableRecord();
+    void parseResult_data()
+    {
+        using namespace std::string_literals;
+        QTest::addColumn<int>("status");
+        QTest::addColumn<std::string>("body");
+        QTest::addColumn<std::string>("text");
+        QTest::addColumn<double>("failure");
+        const auto failure = [](Failure value) { return static_cast<double>(value); };
+        QTest::newRow("fields") << 200 << "status=ok&title=a%20b+c%2B&x="s
+                                << "status=ok\r\ntitle=a b c+\r\nx=\r\n"s << 0.0;
+        QTest::newRow("no value can forge a line") << 200 << "title=a%0Atoken%3Db%0D%0a%00c"s
+                                                   << "title=a token=b   c\r\n"s << 0.0;
+        QTest::newRow("raw line ends and NUL") << 200 << "title=a\nb\0c&x=1"s
+                                               << "title=a b c\r\nx=1\r\n"s << 0.0;
+        QTest::newRow("half an escape") << 200 << "title=100%&x=%4&y=%zz"s
+                                        << "title=100%\r\nx=%4\r\ny=%zz\r\n"s << 0.0;
+        QTest::newRow("addresses keep their second encoding")
+            << 200 << "fmt_stream_map=34%7Chttp%3A%2F%2Fh%2Fs%3Fid%3D1%252C2"s
+            << "fmt_stream_map=34|http://h/s?id=1%2C2\r\n"s << 0.0;
+        QTest::newRow("page") << 200 << R"(<html><a href="/x?a=1"></html>)"s
+                              << ""s << failure(Failure::MalformedResponse);
+        QTest::newRow("no field") << 200 << "&&\r\n&"s
+                                  << ""s << failure(Failure::MalformedResponse);
+        QTest::newRow("empty") << 200 << ""s
+                               << ""s << failure(Failure::EmptyResponse);
+        QTest::newRow("too large") << 200 << "title=" + std::string(1000, 'a') << ""s
+                                   << failure(Failure::ResponseTooLarge);
+        QTest::newRow("not found") << 404 << "title=a"s
+                                   << ""s << 404.0;
+    }
 
-    void transientFaultsAreRetried();
-    void shortBodyIsContinued_data();
-    void shortBodyIsContinued();
-    void wrongRangeStartsOver_data();
-    void wrongRangeStartsOver();
-    void stoppedVideoIsContinued_data();
-    void stoppedVideoIsContinued();
-    void completePartIsRecognised();
-    void equalPathsDoNotMix();
+    void parseResult()
+    {
+        QFETCH(const int, status);
+        QFETCH(const std::string, body);
+        QFETCH(const std::string, text);
+        QFETCH(const double, failure);
+        m_options.responseLimit = 1000;
+        taskengine::setOptions(m_options);
+        misbehave([&](Misbehaviour &fault) {
+            fault.answer = SiteAnswer{status, "text/plain", {}, body};
+        });
+        QCOMPARE(ParseVideoInfo(m_log->parse("page", m_site->pageAddress("a"))), 0);
+        compareEnd("page", text.empty() ? DOWN_STATE_PARSE_FAIL : DOWN_STATE_PARSE_SUCCESS,
+                   text.empty() ? failure : static_cast<double>(text.size()));
+        QCOMPARE(m_log->end("page").text, text);
+        QCOMPARE(m_log->events("page").first().code, DOWN_STATE_START_PARSE);
+    }
 
-    void stop_data();
-    void stop();
-    void suspend_data();
-    void suspend();
-    void suspendedAnswerIsJudged();
+    void videoInfoAddress_data()
+    {
+        QTest::addColumn<std::string>("page");
+        QTest::addColumn<std::string>("asked");
+        QTest::addColumn<Failure>("failure");
+        const auto row = [](const char *name, const char *page, const char *asked) {
+            QTest::newRow(name) << std::string(page) << std::string(asked) << Failure::Internal;
+        };
+        row("parameter", "/watch?x=1&v=a_b-1&v=2#c", "/get_video_info?video_id=a_b-1");
+        row("odd characters", "/watch?v=a%26b+c%2F", "/get_video_info?video_id=a%26b%20c%2F");
+        row("path", "/v/abc/?x=v", "/get_video_info?video_id=abc");
+        const auto failing = [](const char *name, const char *page, Failure failure) {
+            QTest::newRow(name) << std::string(page) << std::string() << failure;
+        };
+        failing("no video", "/watch?list=1", Failure::BadAddress);
+        failing("empty parameter", "/watch?v=", Failure::BadAddress);
+        failing("no address", "-o/tmp/x", Failure::BadAddress);
+        failing("other protocol", "ftp://127.0.0.1/watch?v=a", Failure::ForbiddenProtocol);
+        failing("local file", "file:///watch?v=a", Failure::ForbiddenProtocol);
+    }
 
-    void keyIsFreeInsideTerminalEvent();
-    void slowCallbackHoldsUpNobody();
-    void quitWaitsForCallbacks();
-    void quitInsideCallback();
-    void quitAtAnyMoment();
-    void proxy_data();
-    void proxy();
-    void proxyWithoutHost();
-    void certificateMustBeTrusted();
-    void retryAfterIsHonoured();
-    void lengthIsNotNeeded();
+    void videoInfoAddress()
+    {
+        QFETCH(const std::string, page);
+        QFETCH(const std::string, asked);
+        QFETCH(const Failure, failure);
+        const std::string base = page.front() == '/' ? m_site->baseAddress() : std::string();
+        QCOMPARE(ParseVideoInfo(m_log->parse("page", base + page)), 0);
+        if (asked.empty())
+            compareFailure("page", failure);
+        else
+            QVERIFY(isTerminal(m_log->end("page").code));
+        QCOMPARE(m_site->requestCount("/"), asked.empty() ? 0U : 1U);
+        QCOMPARE(m_site->requestCount(asked), asked.empty() ? 0U : 1U);
+    }
+
+    void commandResult_data()
+    {
+        QTest::addColumn<QStringList>("command");
+        QTest::addColumn<std::string>("text");
+        QTest::addColumn<Failure>("failure");
+        const auto shell = [](const char *script) {
+            return QStringList{QStringLiteral("sh"), QStringLiteral("-c"), QLatin1String(script),
+                               QStringLiteral("name")};
+        };
+        QTest::newRow("page is the last argument")
+            << shell(R"(echo "title=$1"; echo; printf 'x=a\000b\r\n'; echo no field; cat)")
+            << std::string("title=http://127.0.0.1/;$(x)\r\nx=a b\r\n") << Failure::Internal;
+        QTest::newRow("error status")
+            << shell("echo title=a; exit 3") << std::string() << Failure::CommandFailed;
+        QTest::newRow("silent") << shell("echo oops >&2") << std::string()
+                                << Failure::EmptyResponse;
+        QTest::newRow("no fields")
+            << shell("echo hello") << std::string() << Failure::MalformedResponse;
+        QTest::newRow("endless") << shell("yes title=a") << std::string()
+                                 << Failure::ResponseTooLarge;
+        QTest::newRow("missing") << QStringList{QStringLiteral("/no/such/command")} << std::string()
+                                 << Failure::CommandNotFound;
+    }
+
+    void commandResult()
+    {
+        QFETCH(const QStringList, command);
+        QFETCH(const std::string, text);
+        QFETCH(const Failure, failure);
+        for (const QString &argument : command)
+            m_options.videoInfoCommand.push_back(argument.toStdString());
+        taskengine::setOptions(m_options);
+        QCOMPARE(ParseVideoInfo(m_log->parse("page", "http://127.0.0.1/;$(x)")), 0);
+        if (text.empty())
+            compareFailure("page", failure);
+        else
+            compareEnd("page", DOWN_STATE_PARSE_SUCCESS);
+        QCOMPARE(m_log->end("page").text, text);
+    }
+
+    void commandIsKilledWhenTimeIsUp()
+    {
+        const std::string note = path("/process");
+        m_options.videoInfoCommand = {"sh", "-c", "sleep 600 & echo $! > " + note + "; wait",
+                                      "name"};
+        m_options.commandTimeLimit = std::chrono::milliseconds(500);
+        taskengine::setOptions(m_options);
+        QCOMPARE(ParseVideoInfo(m_log->parse("page", "http://127.0.0.1/a")), 0);
+        compareFailure("page", Failure::TimedOut);
+        const int process = std::atoi(contentsOf(note).c_str());
+        QVERIFY(process > 0);
+        const QString details = QStringLiteral("/proc/%1/cmdline").arg(process);
+        QTRY_VERIFY_WITH_TIMEOUT(contentsOf(details.toStdString()).find("sleep") != 0, 60000);
+    }
+
+    void downloadsAreExact()
+    {
+        write(path("/video.flv"), "the old video", QFile::WriteOnly);
+        QCOMPARE(DownloadVideo(video()), 0);
+        QCOMPARE(
+            DownloadImage(m_log->image("video1", m_site->baseAddress() + "/thumbnail/small-1.jpg",
+                                       path("/video.jpg"))),
+            0);
+        compareEnd("video", DOWN_STATE_DOWNLOAD_FINISH, videoSize);
+        compareEnd("video1", DOWN_STATE_DOWNLOAD_FINISH);
+        QVERIFY(contentsOf(path("/video.flv")) == bytes());
+        compareFiles({QStringLiteral("video.flv"), QStringLiteral("video.jpg")});
+
+        const QList<LoggedEvent> events = m_log->events("video");
+        QCOMPARE(events.first().code, DOWN_STATE_START_DOWNLOAD);
+        QCOMPARE(events[events.size() - 2].code, DOWN_STATE_DOWNLOAD_PROGRESS);
+        QCOMPARE(events[events.size() - 2].value, static_cast<double>(videoSize));
+        QCOMPARE(m_log->count("video", DOWN_STATE_FILE_SIZE), 1);
+        QCOMPARE(m_log->count("video1", DOWN_STATE_FILE_SIZE), 0);
+        QCOMPARE(m_log->end("video1").type, FILE_TYPE_IMAGE);
+    }
+
+    void downloadFailure_data()
+    {
+        QTest::addColumn<bool>("isImage");
+        QTest::addColumn<Change>("change");
+        QTest::addColumn<double>("failure");
+        const auto row = [](const char *name, bool isImage, double failure, const Change &change) {
+            QTest::newRow(name) << isImage << change << failure;
+        };
+        const auto answering = [&row](const char *name, bool isImage, Failure failure, int status,
+                                      const std::string &type, const std::string &body) {
+            const double value =
+                failure == Failure::Internal ? status : static_cast<double>(failure);
+            row(name, isImage, value, [=](Misbehaviour &fault) {
+                fault.answer = SiteAnswer{status, type, {}, body};
+            });
+        };
+        const auto redirecting = [&row](const char *name, Failure failure,
+                                        const std::string &target) {
+            row(name, false, static_cast<double>(failure), [=](Misbehaviour &fault) {
+                fault.answer = SiteAnswer{302, "text/plain", {{"Location", target}}, "x"};
+            });
+        };
+        answering("not found", false, Failure::Internal, 404, "video/x-flv", "x");
+        answering("server error", true, Failure::Internal, 500, "text/html", "x");
+        answering("page for a video", false, Failure::NotMedia, 200, "text/html; charset=utf-8",
+                  "x");
+        answering("list for a video", false, Failure::NotMedia, 200, "Application/JSON", "{}");
+        answering("video for an image", true, Failure::NotMedia, 200, "video/mp4", "x");
+        answering("empty", false, Failure::EmptyResponse, 200, "video/mp4", "");
+        answering("large image", true, Failure::ResponseTooLarge, 200, "image/jpeg",
+                  std::string(2000, 'x'));
+        redirecting("endless redirects", Failure::TooManyRedirects, "/again");
+        redirecting("redirect to a file", Failure::ForbiddenProtocol, "file:///etc/hostname");
+        redirecting("redirect to another protocol", Failure::ForbiddenProtocol,
+                    "ftp://127.0.0.1/x");
+        const auto misbehaving = [&row](const char *name, bool isImage, Failure failure,
+                                        const Change &change) {
+            row(name, isImage, static_cast<double>(failure), change);
+        };
+        misbehaving("two lengths", false, Failure::MalformedResponse,
+                    [](Misbehaviour &fault) { fault.twoLengths = true; });
+        misbehaving("flood of headers", false, Failure::MalformedResponse,
+                    [](Misbehaviour &fault) { fault.headerBytes = 270000; });
+        misbehaving("more announced than sent", false, Failure::ShortBody, [](Misbehaviour &fault) {
+            fault.announcedLength = videoSize + 1;
+            fault.entityTag = "W/\"weak\"";
+        });
+        misbehaving("endless image", true, Failure::ResponseTooLarge, [](Misbehaviour &fault) {
+            fault.endless = true;
+            fault.answer = SiteAnswer{200, "image/jpeg", {}, "x"};
+        });
+        misbehaving("compressed", false, Failure::NotMedia,
+                    [](Misbehaviour &fault) { fault.answer = gzipBomb(100000); });
+        misbehaving("slow header", true, Failure::TimedOut,
+                    [](Misbehaviour &fault) { fault.headerLatency = std::chrono::seconds(5); });
+        row("short", false, static_cast<double>(Failure::ShortBody),
+            [](Misbehaviour &fault) { fault.cutAfter = 1000; });
+        row("stalled", true, static_cast<double>(Failure::TimedOut),
+            [](Misbehaviour &fault) { fault.latency = std::chrono::seconds(5); });
+    }
+
+    void downloadFailure()
+    {
+        QFETCH(const bool, isImage);
+        QFETCH(const Change, change);
+        QFETCH(const double, failure);
+        m_options.imageLimit = 1000;
+        if (failure == static_cast<double>(Failure::TimedOut))
+            m_options.lowSpeedTime = std::chrono::milliseconds(50);
+        taskengine::setOptions(m_options);
+        misbehave([&change](Misbehaviour &fault) {
+            change(fault);
+            if (fault.cutAfter)
+                fault.entityTag = "W/\"weak\""; // so that nothing is kept to be continued
+        });
+        const std::string kept = path("/kept");
+        write(kept, "old", QFile::WriteOnly);
+        const auto send = [this, isImage](const std::string &key, const std::string &target) {
+            return isImage ? DownloadImage(m_log->image(key, stream(), target))
+                           : DownloadVideo(m_log->video(key, stream(), target));
+        };
+        QCOMPARE(send("new", path("/new")), 0);
+        QCOMPARE(send("old", kept), 0);
+        compareEnd("new", DOWN_STATE_DOWNLOAD_FAIL, failure);
+        compareEnd("old", DOWN_STATE_DOWNLOAD_FAIL, failure);
+        compareFiles({QStringLiteral("kept")});
+        QCOMPARE(contentsOf(kept), std::string("old"));
+        QVERIFY(taskengine::failureText(failure) != "unknown cause");
+    }
+
+    void faultyServer_data()
+    {
+        QTest::addColumn<std::string>("response");
+        QTest::addColumn<Failure>("failure");
+        const std::string head = "HTTP/1.1 200 OK\r\n";
+        QTest::newRow("silent") << std::string() << Failure::ConnectionLost;
+        QTest::newRow("not HTTP") << std::string("hello\r\n\r\n") << Failure::MalformedResponse;
+        QTest::newRow("larger than the disk")
+            << head + "Content-Length: 4611686018427387904\r\n\r\nx" << Failure::DiskFull;
+        QTest::newRow("range without being asked")
+            << answer("206 Partial Content", "Content-Range: bytes 5-5/9\r\n", "x")
+            << Failure::MalformedResponse;
+        QTest::newRow("no TLS") << std::string("no TLS") << Failure::TlsFailed;
+        QTest::newRow("nobody there") << std::string("closed") << Failure::ConnectionFailed;
+        QTest::newRow("no such host") << std::string("host") << Failure::UnknownHost;
+    }
+
+    void faultyServer()
+    {
+        QFETCH(const std::string, response);
+        QFETCH(const Failure, failure);
+        auto server = std::make_unique<FaultServer>(QList<std::string>{response});
+        std::string address = server->address(failure == Failure::TlsFailed ? "https" : "http");
+        if (failure == Failure::ConnectionFailed)
+            server.reset();
+        if (failure == Failure::UnknownHost) // a name that no name server needs to be asked about
+            address = "http://" + std::string(64, 'a') + "/";
+        QCOMPARE(DownloadVideo(m_log->video("video", address, path("/video.flv"))), 0);
+        compareFailure("video", failure);
+        compareFiles({});
+        QCOMPARE(m_log->count("video", DOWN_STATE_DISK_NO_SPACE),
+                 failure == Failure::DiskFull ? 1 : 0);
+        if (failure == Failure::ConnectionFailed) { // a parse does not wait for a site to come up
+            tagTaskInfo parse = m_log->parse("page", address);
+            parse.nEngineParam2 = 5;
+            QCOMPARE(ParseVideoInfo(parse), 0);
+            compareFailure("page", failure);
+            QCOMPARE(m_log->count("page", DOWN_STATE_RETRY_DOWNLOAD), 0);
+        }
+    }
+
+    void target_data()
+    {
+        QTest::addColumn<std::string>("name");
+        QTest::addColumn<Failure>("failure");
+        QTest::newRow("longest name") << "/" + std::string(255, 'n') << Failure::Internal;
+        QTest::newRow("longer name") << "/" + std::string(256, 'n') << Failure::NameTooLong;
+        QTest::newRow("no folder") << std::string("/folder/video") << Failure::FolderMissing;
+        QTest::newRow("file as folder") << std::string("/file/video") << Failure::FolderMissing;
+        QTest::newRow("folder") << std::string("/.") << Failure::FileNotWritable;
+    }
+
+    void target()
+    {
+        QFETCH(const std::string, name);
+        QFETCH(const Failure, failure);
+        write(path("/file"), "x", QFile::WriteOnly);
+        QCOMPARE(DownloadVideo(m_log->video("video", stream(), path(name))), 0);
+        if (failure == Failure::Internal) {
+            compareEnd("video", DOWN_STATE_DOWNLOAD_FINISH);
+            QVERIFY(contentsOf(path(name)) == bytes());
+        } else {
+            compareFailure("video", failure);
+            compareFiles({QStringLiteral("file")});
+            QCOMPARE(m_site->requestCount("/"), 0U);
+        }
+    }
+
+    void unwritableFolder()
+    {
+        QVERIFY(QFile::setPermissions(m_folder->path(), QFile::ReadOwner | QFile::ExeOwner |
+                                                            QFile::ReadOther | QFile::ExeOther));
+        ::setfsuid(65534); // of this thread only; permissions do not bind the superuser
+        const int result = DownloadVideo(video());
+        ::setfsuid(::geteuid());
+        QCOMPARE(result, 0);
+        compareFailure("video", Failure::FileNotWritable);
+    }
+
+    void unusableRecord_data()
+    {
+        QTest::addColumn<RecordChange>("change");
+        const auto row = [](const char *name, const RecordChange &change) {
+            QTest::newRow(name) << change;
+        };
+        row("key", [](tagTaskInfo &record) { record.szTaskKey[0] = '\0'; });
+        row("callback", [](tagTaskInfo &record) { record.pfnStateCallback = nullptr; });
+        row("address", [](tagTaskInfo &record) { record.szDownloadURL[0] = '\0'; });
+        row("path", [](tagTaskInfo &record) { record.szSavePath[0] = '\0'; });
+        row("no end", [](tagTaskInfo &record) {
+            std::memset(record.szDownloadURL, 'x', sizeof record.szDownloadURL);
+        });
+    }
+
+    void unusableRecord()
+    {
+        QFETCH(const RecordChange, change);
+        tagTaskInfo record = video();
+        change(record);
+        QCOMPARE(DownloadVideo(record), -1);
+        QCOMPARE(ParseVideoInfo(record), -1);
+        QCOMPARE(StopDownload("video"), -1);
+        QCOMPARE(SuspendedDownload("video"), -1);
+        compareFiles({});
+    }
+
+    void transientFaultsAreRetried()
+    {
+        misbehave(
+            [](Misbehaviour &fault) {
+                fault.answer = SiteAnswer{503, "text/plain", {}, "x"};
+            },
+            2);
+        tagTaskInfo parse = m_log->parse("page", m_site->pageAddress("small-1"));
+        parse.nEngineParam2 = 3;
+        QCOMPARE(ParseVideoInfo(parse), 0);
+        compareEnd("page", DOWN_STATE_PARSE_SUCCESS);
+        QCOMPARE(m_site->requestCount("/get_video_info"), 3U);
+        QCOMPARE(m_log->events("page")[1].value, 2.0);
+        QCOMPARE(m_log->events("page")[2].value, 3.0);
+
+        misbehave([](Misbehaviour &fault) {
+            fault.answer = SiteAnswer{503, "text/plain", {}, "x"};
+        });
+        QCOMPARE(DownloadVideo(video("video", 2)), 0);
+        compareEnd("video", DOWN_STATE_DOWNLOAD_FAIL, 503);
+        QCOMPARE(m_site->requestCount("/stream"), 2U);
+    }
+
+    void shortBodyIsContinued_data()
+    {
+        QTest::addColumn<Change>("first");
+        QTest::addColumn<Change>("later");
+        QTest::addColumn<bool>("isContinued");
+        const Change nothing = [](Misbehaviour &) {};
+        QTest::newRow("ranges") << nothing << nothing << true;
+        QTest::newRow("no ranges")
+            << nothing << Change([](Misbehaviour &fault) { fault.ignoreRange = true; }) << false;
+        QTest::newRow("changed meanwhile")
+            << Change([](Misbehaviour &fault) { fault.entityTag = "\"old\""; }) << nothing << false;
+        QTest::newRow("weak tag") << Change([](Misbehaviour &fault) {
+            fault.entityTag = "W/\"a\"";
+        }) << nothing << false;
+    }
+
+    void shortBodyIsContinued()
+    {
+        QFETCH(const Change, first);
+        QFETCH(const Change, later);
+        QFETCH(const bool, isContinued);
+        misbehave([&first](Misbehaviour &fault) { first(fault), fault.cutAfter = 200000; }, 1);
+        misbehave(later);
+        QCOMPARE(DownloadVideo(video("video", 2)), 0);
+        compareEnd("video", DOWN_STATE_DOWNLOAD_FINISH);
+        QVERIFY(contentsOf(path("/video.flv")) == bytes());
+        compareFiles({QStringLiteral("video.flv")});
+        QCOMPARE(m_log->count("video", DOWN_STATE_NO_RESUME), isContinued ? 0 : 1);
+        const std::string range = m_site->requests().back().range;
+        const bool askedForRest = QByteArray(QTest::currentDataTag()) != "weak tag";
+        QCOMPARE(range, askedForRest ? std::string("bytes=200000-") : std::string());
+    }
+
+    void wrongRangeStartsOver_data()
+    {
+        QTest::addColumn<std::string>("headers");
+        QTest::newRow("earlier start") << std::string("Content-Range: bytes 3-9/10\r\n");
+        QTest::newRow("other size") << std::string("Content-Range: bytes 4-9/11\r\n");
+        QTest::newRow("other file")
+            << std::string("Content-Range: bytes 4-9/10\r\nETag: \"b\"\r\n");
+        QTest::newRow("more than the range") << std::string("Content-Range: bytes 4-8/10\r\n");
+        QTest::newRow("none") << std::string();
+    }
+
+    void wrongRangeStartsOver()
+    {
+        QFETCH(const std::string, headers);
+        const std::string tag = "ETag: \"a\"\r\n";
+        FaultServer server({"HTTP/1.1 200 OK\r\nContent-Length: 10\r\n" + tag + "\r\n0123",
+                            answer("206 Partial Content", headers, "xxxxxx"),
+                            answer("200 OK", tag, "0123456789")});
+        tagTaskInfo record = m_log->video("video", server.address(), path("/video.flv"));
+        record.nEngineParam2 = 3;
+        QCOMPARE(DownloadVideo(record), 0);
+        compareEnd("video", DOWN_STATE_DOWNLOAD_FINISH);
+        QCOMPARE(contentsOf(path("/video.flv")), std::string("0123456789"));
+        const QList<std::string> requests = server.requests();
+        QCOMPARE(requests.size(), 3);
+        QVERIFY(requests[1].find("Range: bytes=4-\r\n") != std::string::npos);
+        QVERIFY(requests[1].find("If-Range: \"a\"\r\n") != std::string::npos);
+        QVERIFY(requests[2].find("Range:") == std::string::npos);
+    }
+
+    void stoppedVideoIsContinued_data()
+    {
+        QTest::addColumn<std::string>("key");
+        QTest::addColumn<bool>("isContinued");
+        QTest::newRow("same video") << std::string("video") << true;
+        QTest::newRow("other video of the same name") << std::string("other") << false;
+    }
+
+    void stoppedVideoIsContinued()
+    {
+        QFETCH(const std::string, key);
+        QFETCH(const bool, isContinued);
+        partlyDownload("video");
+        compareFiles({QStringLiteral(".video.flv.part-info"), QStringLiteral("video.flv.part")});
+        restartEngine();
+        QCOMPARE(DownloadVideo(video(key)), 0);
+        compareEnd(key, DOWN_STATE_DOWNLOAD_FINISH);
+        QVERIFY(contentsOf(path("/video.flv")) == bytes());
+        compareFiles({QStringLiteral("video.flv")});
+        QCOMPARE(m_site->requests().back().range.empty(), !isContinued);
+    }
+
+    void completePartIsRecognised()
+    {
+        partlyDownload("video");
+        const std::string part = path("/video.flv.part");
+        const std::size_t had = contentsOf(part).size();
+        QFile file(QFile::decodeName(part.c_str()));
+        QVERIFY(file.open(QFile::Append));
+        file.write(QByteArray::fromStdString(bytes().substr(had)));
+        file.close();
+        FaultServer server(
+            {answer("416 Range Not Satisfiable",
+                    "Content-Range: bytes */" + std::to_string(videoSize) + "\r\n", "x")});
+        restartEngine();
+        QCOMPARE(DownloadVideo(m_log->video("video", server.address(), path("/video.flv"))), 0);
+        compareEnd("video", DOWN_STATE_DOWNLOAD_FINISH);
+        QVERIFY(contentsOf(path("/video.flv")) == bytes());
+    }
+
+    void equalPathsDoNotMix()
+    {
+        misbehave([](Misbehaviour &fault) { fault.holdAfter = 1000; }, 1);
+        QVERIFY(!QFile::exists(QFile::decodeName(path("/video.flv").c_str())));
+        QCOMPARE(DownloadVideo(video("first")), 0);
+        QVERIFY(QFile::exists(QFile::decodeName(path("/video.flv").c_str())));
+        QVERIFY(m_log->waitFor("first", DOWN_STATE_DOWNLOAD_PROGRESS));
+        QCOMPARE(DownloadVideo(video("first")), -1);
+        QCOMPARE(DownloadVideo(video("second")), 0);
+        compareFailure("second", Failure::FileInUse);
+        QVERIFY(m_site->waitForHeld(1, std::chrono::seconds(60)));
+        m_site->release();
+        compareEnd("first", DOWN_STATE_DOWNLOAD_FINISH);
+        QVERIFY(contentsOf(path("/video.flv")) == bytes());
+    }
+
+    void stop_data()
+    {
+        QTest::addColumn<QString>("what");
+        for (const char *what : {"image", "retry", "paused retry", "parse", "command"})
+            QTest::newRow(what) << QString::fromLatin1(what);
+    }
+
+    void stop()
+    {
+        QFETCH(const QString, what);
+        const bool isParse = what == QLatin1String("parse") || what == QLatin1String("command");
+        if (what.endsWith(QLatin1String("retry")))
+            misbehave([](Misbehaviour &fault) {
+                fault.answer = SiteAnswer{503, "text/plain", {}, "x"};
+            });
+        else
+            misbehave([](Misbehaviour &fault) { fault.holdAfter = 10; });
+        if (what == QLatin1String("command"))
+            m_options.videoInfoCommand = {"sh", "-c", "sleep 600"};
+        taskengine::setOptions(m_options);
+
+        tagTaskInfo record =
+            isParse ? m_log->parse("key", m_site->pageAddress("small-1"))
+                    : m_log->image("key", m_site->baseAddress() + "/thumbnail/small-1.jpg",
+                                   path("/image.jpg"));
+        record.nEngineParam2 = 5;
+        record.nEngineParam3 = endlessDelay;
+        QCOMPARE(isParse ? ParseVideoInfo(record) : DownloadImage(record), 0);
+        const bool isRetry = what.endsWith(QLatin1String("retry"));
+        QVERIFY(m_log->waitFor("key", isRetry   ? DOWN_STATE_RETRY_DOWNLOAD
+                                      : isParse ? DOWN_STATE_START_PARSE
+                                                : DOWN_STATE_DOWNLOAD_PROGRESS));
+        if (what.startsWith(QLatin1String("paused")))
+            QCOMPARE(SuspendedDownload("key"), 0);
+        QCOMPARE(StopDownload("key"), 0);
+        compareEnd("key", DOWN_STATE_USER_STOP);
+        QCOMPARE(StopDownload("key"), -1);
+        compareFiles({});
+        QCOMPARE(isParse ? ParseVideoInfo(record) : DownloadImage(record), 0);
+    }
+
+    void suspend_data()
+    {
+        QTest::addColumn<bool>("isWaiting");
+        QTest::newRow("while it runs") << false;
+        QTest::newRow("while it waits for a retry") << true;
+    }
+
+    /**
+     * A suspended request stands still: those that were sent later, one of them with a longer delay
+     * before its second try, all come in first.
+     */
+    void suspend()
+    {
+        QFETCH(const bool, isWaiting);
+        const Change cut = [](Misbehaviour &fault) { fault.cutAfter = videoSize / 2; };
+        if (isWaiting)
+            misbehave(cut, 1);
+        misbehave(
+            [](Misbehaviour &fault) {
+                fault.prefix = "/stream/small-1";
+                fault.holdAfter = videoSize / 10;
+            },
+            1);
+        tagTaskInfo record = video("video", 2);
+        record.nEngineParam3 = 200;
+        QCOMPARE(DownloadVideo(record), 0);
+        QVERIFY(
+            m_log->waitFor("video", isWaiting ? DOWN_STATE_RETRY_DOWNLOAD : DOWN_STATE_FILE_SIZE));
+        QCOMPARE(SuspendedDownload("video"), 0);
+        QVERIFY(isWaiting || m_site->waitForHeld(1, std::chrono::seconds(60)));
+        for (const std::string key : {"a", "retried", "b", "c"}) {
+            const std::string address = m_site->baseAddress() + "/stream/small-2/34?" + key;
+            misbehave(
+                [&cut](Misbehaviour &fault) { cut(fault), fault.prefix = "/stream/small-2/34?r"; },
+                1);
+            tagTaskInfo other = m_log->video(key, address, path("/" + key));
+            other.nEngineParam2 = 2;
+            other.nEngineParam3 = 400;
+            QCOMPARE(DownloadVideo(other), 0);
+            compareEnd(key, DOWN_STATE_DOWNLOAD_FINISH);
+            m_site->release();
+        }
+        QCOMPARE(m_log->count("video", DOWN_STATE_DOWNLOAD_FINISH), 0);
+        m_site->clearMisbehaviours();
+        QCOMPARE(SuspendedDownload("video"), 0);
+        compareEnd("video", DOWN_STATE_DOWNLOAD_FINISH);
+        QVERIFY(contentsOf(path("/video.flv")) == bytes());
+    }
+
+    /** Wherever a pause meets the answer, a page in the place of the video is told from the video.
+     */
+    void suspendedAnswerIsJudged()
+    {
+        misbehave([](Misbehaviour &fault) {
+            fault.answer = SiteAnswer{200, "text/html", {}, "x"};
+        });
+        for (unsigned number = 0; number < 300 && !QTest::currentTestFailed(); ++number) {
+            const std::string key = std::to_string(number);
+            QCOMPARE(DownloadVideo(m_log->video(key, stream(), path("/" + key))), 0);
+            while (m_site->requestCount("/") <= number)
+                QThread::yieldCurrentThread();
+            QThread::usleep(number); // the answer comes after a few of these
+            if (SuspendedDownload(key.c_str()) == 0) {
+                QThread::usleep(2000);
+                SuspendedDownload(key.c_str());
+            }
+            compareFailure(key, Failure::NotMedia);
+        }
+    }
+
+    void keyIsFreeInsideTerminalEvent()
+    {
+        std::atomic<int> result{1};
+        std::atomic<int> stopped{1};
+        m_log->hook = [&](const LoggedEvent &event) {
+            if (event.code == DOWN_STATE_DOWNLOAD_FAIL) {
+                stopped = StopDownload("video");
+                result = DownloadVideo(video());
+            }
+        };
+        misbehave(
+            [](Misbehaviour &fault) {
+                fault.answer = SiteAnswer{404, "text/plain", {}, "x"};
+            },
+            1);
+        QCOMPARE(DownloadVideo(video()), 0);
+        QVERIFY(m_log->waitFor("video", DOWN_STATE_DOWNLOAD_FINISH));
+        QCOMPARE(result.load(), 0);
+        QCOMPARE(stopped.load(), -1);
+        QVERIFY(contentsOf(path("/video.flv")) == bytes());
+    }
+
+    void slowCallbackHoldsUpNobody()
+    {
+        QSemaphore gate;
+        m_log->hook = [&gate](const LoggedEvent &event) {
+            if (event.key == "slow" && event.code == DOWN_STATE_START_DOWNLOAD)
+                gate.acquire();
+        };
+        QCOMPARE(DownloadVideo(m_log->video("slow", stream(18), path("/slow.mp4"))), 0);
+        QVERIFY(m_log->waitFor("slow", DOWN_STATE_START_DOWNLOAD));
+        QCOMPARE(DownloadVideo(video()), 0);
+        compareEnd("video", DOWN_STATE_DOWNLOAD_FINISH);
+        QCOMPARE(m_log->events("slow").size(), 1);
+        gate.release();
+        compareEnd("slow", DOWN_STATE_DOWNLOAD_FINISH);
+    }
+
+    void quitWaitsForCallbacks()
+    {
+        QSemaphore gate;
+        std::atomic<bool> returned{false};
+        m_log->hook = [&](const LoggedEvent &event) {
+            if (event.key != "slow")
+                return;
+            gate.acquire();
+            returned = true;
+        };
+        misbehave([](Misbehaviour &fault) { fault.holdAfter = 10; });
+        QCOMPARE(DownloadVideo(m_log->video("slow", stream(18), path("/slow.mp4"))), 0);
+        QVERIFY(m_log->waitFor("slow", DOWN_STATE_START_DOWNLOAD));
+        QCOMPARE(DownloadVideo(video()), 0);
+        QVERIFY(m_log->waitFor("video", DOWN_STATE_DOWNLOAD_PROGRESS));
+        const std::string thumbnail = m_site->baseAddress() + "/thumbnail/small-1.jpg";
+        QCOMPARE(DownloadImage(m_log->image("image", thumbnail, path("/image.jpg"))), 0);
+        QVERIFY(m_log->waitFor("image", DOWN_STATE_DOWNLOAD_PROGRESS));
+        auto quit = std::async(std::launch::async, [] { return Quit(); });
+        QTRY_COMPARE_WITH_TIMEOUT(SuspendedDownload("video"), -1, 60000);
+        QVERIFY(!returned);
+        gate.release(1000);
+        QCOMPARE(quit.get(), 0);
+        QVERIFY(returned);
+        const qsizetype told = m_log->events().size();
+        QCOMPARE(DownloadVideo(video("late")), -1);
+        for (const std::string name : {"/video.flv", "/image.jpg", "/image.jpg.part"})
+            QVERIFY(!QFile::exists(QFile::decodeName(path(name).c_str())));
+
+        QCOMPARE(DownloadInit(), 0);
+        QCOMPARE(DownloadInit(), 0);
+        QCOMPARE(m_log->events().size(), told);
+        m_site->clearMisbehaviours();
+        QCOMPARE(DownloadVideo(video("again")), 0);
+        compareEnd("again", DOWN_STATE_DOWNLOAD_FINISH);
+        QVERIFY(!isTerminal(m_log->events("video").last().code));
+    }
+
+    void quitInsideCallback()
+    {
+        std::atomic<int> refused{1};
+        QSemaphore done;
+        m_log->hook = [&](const LoggedEvent &) {
+            Quit();
+            refused = DownloadVideo(video("late"));
+            done.release();
+        };
+        QCOMPARE(DownloadVideo(video()), 0);
+        QVERIFY(done.tryAcquire(1, 60000));
+        QCOMPARE(refused.load(), -1);
+        QCOMPARE(Quit(), 0);
+        QCOMPARE(m_log->events().size(), 1);
+    }
+
+    /** Whatever is at work, no callback is under way once Quit has returned, and all keys are free.
+     */
+    void quitAtAnyMoment()
+    {
+        QRandomGenerator random(1);
+        std::atomic<bool> hasQuit{false};
+        std::atomic<int> told{0};
+        std::atomic<int> late{0};
+        m_log->hook = [&](const LoggedEvent &) {
+            ++told;
+            QThread::usleep(500);
+            late += hasQuit;
+        };
+        misbehave([](Misbehaviour &fault) { fault.prefix = "/stream", fault.holdAfter = 1000; });
+        for (int round = 0; round < 60; ++round) {
+            QCOMPARE(DownloadInit(), 0);
+            hasQuit = false;
+            told = 0;
+            for (const std::string key : {"a", "b", "c", "d", "e", "f"}) {
+                const tagTaskInfo record = m_log->video(key, stream(), path("/" + key));
+                const tagTaskInfo page = m_log->parse(key, m_site->pageAddress("small-1"));
+                const tagTaskInfo image = m_log->image(
+                    key, m_site->baseAddress() + "/thumbnail/small-1.jpg", path("/" + key));
+                const int kind = random.bounded(3);
+                QCOMPARE(kind == 0   ? DownloadVideo(record)
+                         : kind == 1 ? DownloadImage(image)
+                                     : ParseVideoInfo(page),
+                         0);
+                if (random.bounded(3) == 0)
+                    SuspendedDownload(key.c_str());
+                if (random.bounded(6) == 0)
+                    StopDownload(key.c_str());
+            }
+            const int wanted = random.bounded(20); // more than there are, now and then
+            for (int wait = 0; told < wanted && wait < 500; ++wait)
+                QThread::usleep(20);
+            QCOMPARE(Quit(), 0);
+            hasQuit = true;
+            QThread::usleep(1000);
+            QCOMPARE(late.load(), 0);
+            m_site->release();
+        }
+    }
+
+    void proxy_data()
+    {
+        QTest::addColumn<ProxyType>("type");
+        QTest::addColumn<std::string>("host");
+        QTest::addColumn<std::string>("password");
+        QTest::addColumn<double>("failure");
+        const auto row = [](const char *name, ProxyType type, const char *host,
+                            const char *password, double failure) {
+            QTest::newRow(name) << type << std::string(host) << std::string(password) << failure;
+        };
+        const char *const known = "127.0.0.1:1";
+        const char *const unknown = "video.invalid";
+        const auto refused = static_cast<double>(Failure::ProxyFailed);
+        row("HTTP", ProxyType::Http, unknown, "pass", 0);
+        row("SOCKS5", ProxyType::Socks5, known, "pass", 0);
+        row("SOCKS5 with the proxy's names", ProxyType::Socks5RemoteNames, unknown, "pass", 0);
+        row("HTTP, wrong password", ProxyType::Http, unknown, "x", 407);
+        row("SOCKS5, wrong password", ProxyType::Socks5, known, "x", refused);
+    }
+
+    /** The record says it alone, whatever the environment says. Only the proxy knows the hosts. */
+    void proxy()
+    {
+        QFETCH(const ProxyType, type);
+        QFETCH(const std::string, host);
+        QFETCH(const std::string, password);
+        QFETCH(const double, failure);
+        QVERIFY(m_site->startProxy("user", "pass"));
+        qputenv("http_proxy", "http://127.0.0.1:1");
+        QCOMPARE(DownloadVideo(video("direct")), 0);
+        compareEnd("direct", DOWN_STATE_DOWNLOAD_FINISH, videoSize);
+        qunsetenv("http_proxy");
+
+        qputenv("no_proxy", "*");
+        tagTaskInfo record =
+            m_log->video("key", "http://" + host + "/stream/small-1/34", path("/x"));
+        record.nProxySet = 1;
+        m_log->copyText(record.proxyParam.szProxyText1, 128, "127.0.0.1");
+        record.proxyParam.nProxyValue1 = m_site->proxyPort();
+        record.proxyParam.nProxyValue2 = static_cast<std::int32_t>(type);
+        m_log->copyText(record.proxyParam.szProxyText2, 128, "user");
+        m_log->copyText(record.proxyParam.szProxyText3, 128, password);
+        QCOMPARE(DownloadVideo(record), 0);
+        compareEnd("key", failure > 0 ? DOWN_STATE_DOWNLOAD_FAIL : DOWN_STATE_DOWNLOAD_FINISH,
+                   failure > 0 ? failure : videoSize);
+        qunsetenv("no_proxy");
+    }
+
+    void proxyWithoutHost()
+    {
+        tagTaskInfo record = video();
+        record.nProxySet = 1;
+        QCOMPARE(DownloadVideo(record), 0);
+        compareFailure("video", Failure::ProxyFailed);
+        QCOMPARE(m_site->requestCount("/"), 0U);
+    }
+
+    void certificateMustBeTrusted()
+    {
+        QVERIFY(m_site->startTls());
+        const std::string address = m_site->secureAddress() + "/stream/small-1/34";
+        QCOMPARE(DownloadVideo(m_log->video("bad", address, path("/bad.flv"))), 0);
+        compareFailure("bad", Failure::TlsFailed);
+        compareFiles({});
+        m_options.caFile = path("/trusted.pem");
+        write(m_options.caFile, m_site->certificate(), QFile::WriteOnly);
+        taskengine::setOptions(m_options);
+        QCOMPARE(DownloadVideo(m_log->video("good", address, path("/good.flv"))), 0);
+        compareEnd("good", DOWN_STATE_DOWNLOAD_FINISH, videoSize);
+    }
+
+    /** The site asks for more patience than the request has, which also holds up nobody else. */
+    void retryAfterIsHonoured()
+    {
+        const auto refuseOnce = [this](const std::string &query, const char *header) {
+            misbehave(
+                [&](Misbehaviour &fault) {
+                    fault.prefix = "/stream/small-1/34?" + query;
+                    fault.answer = SiteAnswer{429, "text/plain", {{header, "1"}}, "x"};
+                },
+                1);
+            tagTaskInfo record = m_log->video(query, stream() + "?" + query, path("/" + query));
+            record.nEngineParam2 = 2;
+            record.nEngineParam3 = 200;
+            QCOMPARE(DownloadVideo(record), 0);
+        };
+        refuseOnce("patient", "Retry-After");
+        refuseOnce("other", "X-Other");
+        compareEnd("other", DOWN_STATE_DOWNLOAD_FINISH, videoSize);
+        QCOMPARE(m_log->count("patient", DOWN_STATE_DOWNLOAD_FINISH), 0);
+        compareEnd("patient", DOWN_STATE_DOWNLOAD_FINISH, videoSize);
+    }
+
+    /** Without an announced length the end of the connection is the end of the video. */
+    void lengthIsNotNeeded()
+    {
+        misbehave([](Misbehaviour &fault) { fault.unannounced = true; });
+        QCOMPARE(DownloadVideo(video()), 0);
+        compareEnd("video", DOWN_STATE_DOWNLOAD_FINISH, videoSize);
+        QVERIFY(contentsOf(path("/video.flv")) == bytes());
+    }
 
 private: // NOLINT(readability-redundant-access-specifiers): slots end here
     std::string path(const std::string &name) const
@@ -122,934 +950,68 @@ private: // NOLINT(readability-redundant-access-specifiers): slots end here
         return m_site->baseAddress() + "/stream/small-1/" + std::to_string(format);
     }
     std::string bytes() const { return smallVideoBytes(1, 34, videoSize); }
-    tagTaskInfo video(const std::string &key = "video", std::int32_t tries = 1) const;
-    void misbehave(const Change &change, unsigned firstRequests = 0) const;
-    void compareEnd(const std::string &key, tagDownloadStateCode code, double value = -1);
-    void compareFailure(const std::string &key, Failure failure);
-    void compareFiles(const QStringList &names) const;
-    void restartEngine();
-    void partlyDownload(const std::string &key);
+    tagTaskInfo video(const std::string &key = "video", std::int32_t tries = 1) const
+    {
+        tagTaskInfo record = m_log->video(key, stream(), path("/video.flv"));
+        record.nEngineParam2 = tries;
+        return record;
+    }
+
+    void misbehave(const Change &change, unsigned firstRequests = 0) const
+    {
+        Misbehaviour misbehaviour;
+        misbehaviour.firstRequests = firstRequests;
+        change(misbehaviour);
+        m_site->addMisbehaviour(misbehaviour);
+    }
+
+    void compareEnd(const std::string &key, tagDownloadStateCode code, double value = -1)
+    {
+        const LoggedEvent event = m_log->end(key);
+        QVERIFY2(event.code == code,
+                 qPrintable(QStringLiteral("code %1, value %2").arg(event.code).arg(event.value)));
+        if (value >= 0)
+            QCOMPARE(event.value, value);
+    }
+
+    void compareFailure(const std::string &key, Failure failure)
+    {
+        const bool isParse = m_log->count(key, DOWN_STATE_START_PARSE) > 0 ||
+                             m_log->end(key).code == DOWN_STATE_PARSE_FAIL;
+        compareEnd(key, isParse ? DOWN_STATE_PARSE_FAIL : DOWN_STATE_DOWNLOAD_FAIL,
+                   static_cast<double>(failure));
+    }
+
+    void compareFiles(const QStringList &names) const
+    {
+        QCOMPARE(QDir(m_folder->path())
+                     .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name),
+                 names);
+    }
+
+    /** As when the application is started again. */
+    void restartEngine()
+    {
+        QCOMPARE(DownloadCleanup(), 0);
+        QCOMPARE(DownloadInit(), 0);
+        m_log = std::make_unique<EventLog>();
+    }
+
+    /** Leaves the first half of the video, stopped by the user. */
+    void partlyDownload(const std::string &key)
+    {
+        misbehave([](Misbehaviour &fault) { fault.holdAfter = videoSize / 2; }, 1);
+        QCOMPARE(DownloadVideo(video(key)), 0);
+        QVERIFY(m_log->waitFor(key, DOWN_STATE_DOWNLOAD_PROGRESS));
+        QCOMPARE(StopDownload(key.c_str()), 0);
+        compareEnd(key, DOWN_STATE_USER_STOP);
+    }
 
     std::unique_ptr<EventLog> m_log;
     std::unique_ptr<VideoSite> m_site;
     std::unique_ptr<QTemporaryDir> m_folder;
     taskengine::Options m_options;
 };
-
-void TestTaskEngine::init()
-{
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_log = std::make_unique<EventLog>();
-    m_site = std::make_unique<VideoSite>();
-    m_site->setSmallVideoSize(videoSize);
-    QVERIFY(m_folder->isValid() && m_site->start());
-    m_options = {};
-    taskengine::setOptions(m_options);
-    QCOMPARE(DownloadInit(), 0);
-}
-
-/** Each request that was accepted in a test must have ended exactly once, unless it was quit. */
-void TestTaskEngine::cleanup()
-{
-    QCOMPARE(DownloadCleanup(), 0);
-    QCOMPARE(DownloadCleanup(), -1);
-    m_site->stop();
-    for (const LoggedEvent &event : m_log->events()) {
-        const QList<LoggedEvent> all = m_log->events(event.key);
-        const auto ends = std::count_if(all.begin(), all.end(),
-                                        [](const auto &one) { return isTerminal(one.code); });
-        const auto starts = m_log->count(event.key, DOWN_STATE_START_DOWNLOAD) +
-                            m_log->count(event.key, DOWN_STATE_START_PARSE);
-        QVERIFY2(ends <= starts, event.key.c_str());
-    }
-}
-
-tagTaskInfo TestTaskEngine::video(const std::string &key, std::int32_t tries) const
-{
-    tagTaskInfo record = m_log->video(key, stream(), path("/video.flv"));
-    record.nEngineParam2 = tries;
-    return record;
-}
-
-void TestTaskEngine::misbehave(const Change &change, unsigned firstRequests) const
-{
-    Misbehaviour misbehaviour;
-    misbehaviour.firstRequests = firstRequests;
-    change(misbehaviour);
-    m_site->addMisbehaviour(misbehaviour);
-}
-
-void TestTaskEngine::compareEnd(const std::string &key, tagDownloadStateCode code, double value)
-{
-    const LoggedEvent event = m_log->end(key);
-    QVERIFY2(event.code == code,
-             qPrintable(QStringLiteral("code %1, value %2").arg(event.code).arg(event.value)));
-    if (value >= 0)
-        QCOMPARE(event.value, value);
-}
-
-void TestTaskEngine::compareFailure(const std::string &key, Failure failure)
-{
-    const bool isParse = m_log->count(key, DOWN_STATE_START_PARSE) > 0 ||
-                         m_log->end(key).code == DOWN_STATE_PARSE_FAIL;
-    compareEnd(key, isParse ? DOWN_STATE_PARSE_FAIL : DOWN_STATE_DOWNLOAD_FAIL,
-               static_cast<double>(failure));
-}
-
-void TestTaskEngine::compareFiles(const QStringList &names) const
-{
-    QCOMPARE(QDir(m_folder->path())
-                 .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name),
-             names);
-}
-
-/** As when the application is started again. */
-void TestTaskEngine::restartEngine()
-{
-    QCOMPARE(DownloadCleanup(), 0);
-    QCOMPARE(DownloadInit(), 0);
-    m_log = std::make_unique<EventLog>();
-}
-
-/** Leaves the first half of the video, stopped by the user. */
-void TestTaskEngine::partlyDownload(const std::string &key)
-{
-    misbehave([](Misbehaviour &fault) { fault.holdAfter = videoSize / 2; }, 1);
-    QCOMPARE(DownloadVideo(video(key)), 0);
-    QVERIFY(m_log->waitFor(key, DOWN_STATE_DOWNLOAD_PROGRESS));
-    QCOMPARE(StopDownload(key.c_str()), 0);
-    compareEnd(key, DOWN_STATE_USER_STOP);
-}
-
-void TestTaskEngine::parseResult_data()
-{
-    using namespace std::string_literals;
-    QTest::addColumn<int>("status");
-    QTest::addColumn<std::string>("body");
-    QTest::addColumn<std::string>("text");
-    QTest::addColumn<double>("failure");
-    const auto failure = [](Failure value) { return static_cast<double>(value); };
-    QTest::newRow("fields") << 200 << "status=ok&title=a%20b+c%2B&x="s
-                            << "status=ok\r\ntitle=a b c+\r\nx=\r\n"s << 0.0;
-    QTest::newRow("no value can forge a line") << 200 << "title=a%0Atoken%3Db%0D%0a%00c"s
-                                               << "title=a token=b   c\r\n"s << 0.0;
-    QTest::newRow("raw line ends and NUL") << 200 << "title=a\nb\0c&x=1"s
-                                           << "title=a b c\r\nx=1\r\n"s << 0.0;
-    QTest::newRow("half an escape") << 200 << "title=100%&x=%4&y=%zz"s
-                                    << "title=100%\r\nx=%4\r\ny=%zz\r\n"s << 0.0;
-    QTest::newRow("addresses keep their second encoding")
-        << 200 << "fmt_stream_map=34%7Chttp%3A%2F%2Fh%2Fs%3Fid%3D1%252C2"s
-        << "fmt_stream_map=34|http://h/s?id=1%2C2\r\n"s << 0.0;
-    QTest::newRow("page") << 200 << R"(<html><a href="/x?a=1"></html>)"s
-                          << ""s << failure(Failure::MalformedResponse);
-    QTest::newRow("no field") << 200 << "&&\r\n&"s
-                              << ""s << failure(Failure::MalformedResponse);
-    QTest::newRow("empty") << 200 << ""s
-                           << ""s << failure(Failure::EmptyResponse);
-    QTest::newRow("too large") << 200 << "title=" + std::string(1000, 'a') << ""s
-                               << failure(Failure::ResponseTooLarge);
-    QTest::newRow("not found") << 404 << "title=a"s
-                               << ""s << 404.0;
-}
-
-void TestTaskEngine::parseResult()
-{
-    QFETCH(const int, status);
-    QFETCH(const std::string, body);
-    QFETCH(const std::string, text);
-    QFETCH(const double, failure);
-    m_options.responseLimit = 1000;
-    taskengine::setOptions(m_options);
-    misbehave([&](Misbehaviour &fault) {
-        fault.answer = SiteAnswer{status, "text/plain", {}, body};
-    });
-    QCOMPARE(ParseVideoInfo(m_log->parse("page", m_site->pageAddress("a"))), 0);
-    compareEnd("page", text.empty() ? DOWN_STATE_PARSE_FAIL : DOWN_STATE_PARSE_SUCCESS,
-               text.empty() ? failure : static_cast<double>(text.size()));
-    QCOMPARE(m_log->end("page").text, text);
-    QCOMPARE(m_log->events("page").first().code, DOWN_STATE_START_PARSE);
-}
-
-void TestTaskEngine::videoInfoAddress_data()
-{
-    QTest::addColumn<std::string>("page");
-    QTest::addColumn<std::string>("asked");
-    QTest::addColumn<Failure>("failure");
-    const auto row = [](const char *name, const char *page, const char *asked) {
-        QTest::newRow(name) << std::string(page) << std::string(asked) << Failure::Internal;
-    };
-    row("parameter", "/watch?x=1&v=a_b-1&v=2#c", "/get_video_info?video_id=a_b-1");
-    row("odd characters", "/watch?v=a%26b+c%2F", "/get_video_info?video_id=a%26b%20c%2F");
-    row("path", "/v/abc/?x=v", "/get_video_info?video_id=abc");
-    const auto failing = [](const char *name, const char *page, Failure failure) {
-        QTest::newRow(name) << std::string(page) << std::string() << failure;
-    };
-    failing("no video", "/watch?list=1", Failure::BadAddress);
-    failing("empty parameter", "/watch?v=", Failure::BadAddress);
-    failing("no address", "-o/tmp/x", Failure::BadAddress);
-    failing("other protocol", "ftp://127.0.0.1/watch?v=a", Failure::ForbiddenProtocol);
-    failing("local file", "file:///watch?v=a", Failure::ForbiddenProtocol);
-}
-
-void TestTaskEngine::videoInfoAddress()
-{
-    QFETCH(const std::string, page);
-    QFETCH(const std::string, asked);
-    QFETCH(const Failure, failure);
-    const std::string base = page.front() == '/' ? m_site->baseAddress() : std::string();
-    QCOMPARE(ParseVideoInfo(m_log->parse("page", base + page)), 0);
-    if (asked.empty())
-        compareFailure("page", failure);
-    else
-        QVERIFY(isTerminal(m_log->end("page").code));
-    QCOMPARE(m_site->requestCount("/"), asked.empty() ? 0U : 1U);
-    QCOMPARE(m_site->requestCount(asked), asked.empty() ? 0U : 1U);
-}
-
-void TestTaskEngine::commandResult_data()
-{
-    QTest::addColumn<QStringList>("command");
-    QTest::addColumn<std::string>("text");
-    QTest::addColumn<Failure>("failure");
-    const auto shell = [](const char *script) {
-        return QStringList{QStringLiteral("sh"), QStringLiteral("-c"), QLatin1String(script),
-                           QStringLiteral("name")};
-    };
-    QTest::newRow("page is the last argument")
-        << shell(R"(echo "title=$1"; echo; printf 'x=a\000b\r\n'; echo no field; cat)")
-        << std::string("title=http://127.0.0.1/;$(x)\r\nx=a b\r\n") << Failure::Internal;
-    QTest::newRow("error status") << shell("echo title=a; exit 3") << std::string()
-                                  << Failure::CommandFailed;
-    QTest::newRow("silent") << shell("echo oops >&2") << std::string() << Failure::EmptyResponse;
-    QTest::newRow("no fields") << shell("echo hello") << std::string()
-                               << Failure::MalformedResponse;
-    QTest::newRow("endless") << shell("yes title=a") << std::string() << Failure::ResponseTooLarge;
-    QTest::newRow("missing") << QStringList{QStringLiteral("/no/such/command")} << std::string()
-                             << Failure::CommandNotFound;
-}
-
-void TestTaskEngine::commandResult()
-{
-    QFETCH(const QStringList, command);
-    QFETCH(const std::string, text);
-    QFETCH(const Failure, failure);
-    for (const QString &argument : command)
-        m_options.videoInfoCommand.push_back(argument.toStdString());
-    taskengine::setOptions(m_options);
-    QCOMPARE(ParseVideoInfo(m_log->parse("page", "http://127.0.0.1/;$(x)")), 0);
-    if (text.empty())
-        compareFailure("page", failure);
-    else
-        compareEnd("page", DOWN_STATE_PARSE_SUCCESS);
-    QCOMPARE(m_log->end("page").text, text);
-}
-
-void TestTaskEngine::commandIsKilledWhenTimeIsUp()
-{
-    const std::string note = path("/process");
-    m_options.videoInfoCommand = {"sh", "-c", "sleep 600 & echo $! > " + note + "; wait", "name"};
-    m_options.commandTimeLimit = std::chrono::milliseconds(500);
-    taskengine::setOptions(m_options);
-    QCOMPARE(ParseVideoInfo(m_log->parse("page", "http://127.0.0.1/a")), 0);
-    compareFailure("page", Failure::TimedOut);
-    const int process = std::atoi(contentsOf(note).c_str());
-    QVERIFY(process > 0);
-    const QString details = QStringLiteral("/proc/%1/cmdline").arg(process);
-    QTRY_VERIFY_WITH_TIMEOUT(contentsOf(details.toStdString()).find("sleep") != 0, 60000);
-}
-
-void TestTaskEngine::downloadsAreExact()
-{
-    write(path("/video.flv"), "the old video", QFile::WriteOnly);
-    QCOMPARE(DownloadVideo(video()), 0);
-    QCOMPARE(DownloadImage(m_log->image("video1", m_site->baseAddress() + "/thumbnail/small-1.jpg",
-                                        path("/video.jpg"))),
-             0);
-    compareEnd("video", DOWN_STATE_DOWNLOAD_FINISH, videoSize);
-    compareEnd("video1", DOWN_STATE_DOWNLOAD_FINISH);
-    QVERIFY(contentsOf(path("/video.flv")) == bytes());
-    compareFiles({QStringLiteral("video.flv"), QStringLiteral("video.jpg")});
-
-    const QList<LoggedEvent> events = m_log->events("video");
-    QCOMPARE(events.first().code, DOWN_STATE_START_DOWNLOAD);
-    QCOMPARE(events[events.size() - 2].code, DOWN_STATE_DOWNLOAD_PROGRESS);
-    QCOMPARE(events[events.size() - 2].value, static_cast<double>(videoSize));
-    QCOMPARE(m_log->count("video", DOWN_STATE_FILE_SIZE), 1);
-    QCOMPARE(m_log->count("video1", DOWN_STATE_FILE_SIZE), 0);
-    QCOMPARE(m_log->end("video1").type, FILE_TYPE_IMAGE);
-}
-
-void TestTaskEngine::downloadFailure_data()
-{
-    QTest::addColumn<bool>("isImage");
-    QTest::addColumn<Change>("change");
-    QTest::addColumn<double>("failure");
-    const auto row = [](const char *name, bool isImage, double failure, const Change &change) {
-        QTest::newRow(name) << isImage << change << failure;
-    };
-    const auto answering = [&row](const char *name, bool isImage, Failure failure, int status,
-                                  const std::string &type, const std::string &body) {
-        const double value = failure == Failure::Internal ? status : static_cast<double>(failure);
-        row(name, isImage, value, [=](Misbehaviour &fault) {
-            fault.answer = SiteAnswer{status, type, {}, body};
-        });
-    };
-    const auto redirecting = [&row](const char *name, Failure failure, const std::string &target) {
-        row(name, false, static_cast<double>(failure), [=](Misbehaviour &fault) {
-            fault.answer = SiteAnswer{302, "text/plain", {{"Location", target}}, "x"};
-        });
-    };
-    answering("not found", false, Failure::Internal, 404, "video/x-flv", "x");
-    answering("server error", true, Failure::Internal, 500, "text/html", "x");
-    answering("page for a video", false, Failure::NotMedia, 200, "text/html; charset=utf-8", "x");
-    answering("list for a video", false, Failure::NotMedia, 200, "Application/JSON", "{}");
-    answering("video for an image", true, Failure::NotMedia, 200, "video/mp4", "x");
-    answering("empty", false, Failure::EmptyResponse, 200, "video/mp4", "");
-    answering("large image", true, Failure::ResponseTooLarge, 200, "image/jpeg",
-              std::string(2000, 'x'));
-    redirecting("endless redirects", Failure::TooManyRedirects, "/again");
-    redirecting("redirect to a file", Failure::ForbiddenProtocol, "file:///etc/hostname");
-    redirecting("redirect to another protocol", Failure::ForbiddenProtocol, "ftp://127.0.0.1/x");
-    const auto misbehaving = [&row](const char *name, bool isImage, Failure failure,
-                                    const Change &change) {
-        row(name, isImage, static_cast<double>(failure), change);
-    };
-    misbehaving("two lengths", false, Failure::MalformedResponse,
-                [](Misbehaviour &fault) { fault.twoLengths = true; });
-    misbehaving("flood of headers", false, Failure::MalformedResponse,
-                [](Misbehaviour &fault) { fault.headerBytes = 270000; });
-    misbehaving("more announced than sent", false, Failure::ShortBody, [](Misbehaviour &fault) {
-        fault.announcedLength = videoSize + 1;
-        fault.entityTag = "W/\"weak\"";
-    });
-    misbehaving("endless image", true, Failure::ResponseTooLarge, [](Misbehaviour &fault) {
-        fault.endless = true;
-        fault.answer = SiteAnswer{200, "image/jpeg", {}, "x"};
-    });
-    misbehaving("compressed", false, Failure::NotMedia,
-                [](Misbehaviour &fault) { fault.answer = gzipBomb(100000); });
-    misbehaving("slow header", true, Failure::TimedOut,
-                [](Misbehaviour &fault) { fault.headerLatency = std::chrono::seconds(5); });
-    row("short", false, static_cast<double>(Failure::ShortBody),
-        [](Misbehaviour &fault) { fault.cutAfter = 1000; });
-    row("stalled", true, static_cast<double>(Failure::TimedOut),
-        [](Misbehaviour &fault) { fault.latency = std::chrono::seconds(5); });
-}
-
-void TestTaskEngine::downloadFailure()
-{
-    QFETCH(const bool, isImage);
-    QFETCH(const Change, change);
-    QFETCH(const double, failure);
-    m_options.imageLimit = 1000;
-    if (failure == static_cast<double>(Failure::TimedOut))
-        m_options.lowSpeedTime = std::chrono::milliseconds(50);
-    taskengine::setOptions(m_options);
-    misbehave([&change](Misbehaviour &fault) {
-        change(fault);
-        if (fault.cutAfter)
-            fault.entityTag = "W/\"weak\""; // so that nothing is kept to be continued
-    });
-    const std::string kept = path("/kept");
-    write(kept, "old", QFile::WriteOnly);
-    const auto send = [this, isImage](const std::string &key, const std::string &target) {
-        return isImage ? DownloadImage(m_log->image(key, stream(), target))
-                       : DownloadVideo(m_log->video(key, stream(), target));
-    };
-    QCOMPARE(send("new", path("/new")), 0);
-    QCOMPARE(send("old", kept), 0);
-    compareEnd("new", DOWN_STATE_DOWNLOAD_FAIL, failure);
-    compareEnd("old", DOWN_STATE_DOWNLOAD_FAIL, failure);
-    compareFiles({QStringLiteral("kept")});
-    QCOMPARE(contentsOf(kept), std::string("old"));
-    QVERIFY(taskengine::failureText(failure) != "unknown cause");
-}
-
-void TestTaskEngine::faultyServer_data()
-{
-    QTest::addColumn<std::string>("response");
-    QTest::addColumn<Failure>("failure");
-    const std::string head = "HTTP/1.1 200 OK\r\n";
-    QTest::newRow("silent") << std::string() << Failure::ConnectionLost;
-    QTest::newRow("not HTTP") << std::string("hello\r\n\r\n") << Failure::MalformedResponse;
-    QTest::newRow("larger than the disk")
-        << head + "Content-Length: 4611686018427387904\r\n\r\nx" << Failure::DiskFull;
-    QTest::newRow("range without being asked")
-        << answer("206 Partial Content", "Content-Range: bytes 5-5/9\r\n", "x")
-        << Failure::MalformedResponse;
-    QTest::newRow("no TLS") << std::string("no TLS") << Failure::TlsFailed;
-    QTest::newRow("nobody there") << std::string("closed") << Failure::ConnectionFailed;
-    QTest::newRow("no such host") << std::string("host") << Failure::UnknownHost;
-}
-
-void TestTaskEngine::faultyServer()
-{
-    QFETCH(const std::string, response);
-    QFETCH(const Failure, failure);
-    auto server = std::make_unique<FaultServer>(QList<std::string>{response});
-    std::string address = server->address(failure == Failure::TlsFailed ? "https" : "http");
-    if (failure == Failure::ConnectionFailed)
-        server.reset();
-    if (failure == Failure::UnknownHost) // a name that no name server needs to be asked about
-        address = "http://" + std::string(64, 'a') + "/";
-    QCOMPARE(DownloadVideo(m_log->video("video", address, path("/video.flv"))), 0);
-    compareFailure("video", failure);
-    compareFiles({});
-    QCOMPARE(m_log->count("video", DOWN_STATE_DISK_NO_SPACE), failure == Failure::DiskFull ? 1 : 0);
-    if (failure == Failure::ConnectionFailed) { // a parse does not wait for a site to come up
-        tagTaskInfo parse = m_log->parse("page", address);
-        parse.nEngineParam2 = 5;
-        QCOMPARE(ParseVideoInfo(parse), 0);
-        compareFailure("page", failure);
-        QCOMPARE(m_log->count("page", DOWN_STATE_RETRY_DOWNLOAD), 0);
-    }
-}
-
-void TestTaskEngine::target_data()
-{
-    QTest::addColumn<std::string>("name");
-    QTest::addColumn<Failure>("failure");
-    QTest::newRow("longest name") << "/" + std::string(255, 'n') << Failure::Internal;
-    QTest::newRow("longer name") << "/" + std::string(256, 'n') << Failure::NameTooLong;
-    QTest::newRow("no folder") << std::string("/folder/video") << Failure::FolderMissing;
-    QTest::newRow("file as folder") << std::string("/file/video") << Failure::FolderMissing;
-    QTest::newRow("folder") << std::string("/.") << Failure::FileNotWritable;
-}
-
-void TestTaskEngine::target()
-{
-    QFETCH(const std::string, name);
-    QFETCH(const Failure, failure);
-    write(path("/file"), "x", QFile::WriteOnly);
-    QCOMPARE(DownloadVideo(m_log->video("video", stream(), path(name))), 0);
-    if (failure == Failure::Internal) {
-        compareEnd("video", DOWN_STATE_DOWNLOAD_FINISH);
-        QVERIFY(contentsOf(path(name)) == bytes());
-    } else {
-        compareFailure("video", failure);
-        compareFiles({QStringLiteral("file")});
-        QCOMPARE(m_site->requestCount("/"), 0U);
-    }
-}
-
-void TestTaskEngine::unwritableFolder()
-{
-    QVERIFY(QFile::setPermissions(m_folder->path(), QFile::ReadOwner | QFile::ExeOwner |
-                                                        QFile::ReadOther | QFile::ExeOther));
-    ::setfsuid(65534); // of this thread only; permissions do not bind the superuser
-    const int result = DownloadVideo(video());
-    ::setfsuid(::geteuid());
-    QCOMPARE(result, 0);
-    compareFailure("video", Failure::FileNotWritable);
-}
-
-void TestTaskEngine::unusableRecord_data()
-{
-    QTest::addColumn<RecordChange>("change");
-    const auto row = [](const char *name, const RecordChange &change) {
-        QTest::newRow(name) << change;
-    };
-    row("key", [](tagTaskInfo &record) { record.szTaskKey[0] = '\0'; });
-    row("callback", [](tagTaskInfo &record) { record.pfnStateCallback = nullptr; });
-    row("address", [](tagTaskInfo &record) { record.szDownloadURL[0] = '\0'; });
-    row("path", [](tagTaskInfo &record) { record.szSavePath[0] = '\0'; });
-    row("no end", [](tagTaskInfo &record) {
-        std::memset(record.szDownloadURL, 'x', sizeof record.szDownloadURL);
-    });
-}
-
-void TestTaskEngine::unusableRecord()
-{
-    QFETCH(const RecordChange, change);
-    tagTaskInfo record = video();
-    change(record);
-    QCOMPARE(DownloadVideo(record), -1);
-    QCOMPARE(ParseVideoInfo(record), -1);
-    QCOMPARE(StopDownload("video"), -1);
-    QCOMPARE(SuspendedDownload("video"), -1);
-    compareFiles({});
-}
-
-void TestTaskEngine::transientFaultsAreRetried()
-{
-    misbehave(
-        [](Misbehaviour &fault) {
-            fault.answer = SiteAnswer{503, "text/plain", {}, "x"};
-        },
-        2);
-    tagTaskInfo parse = m_log->parse("page", m_site->pageAddress("small-1"));
-    parse.nEngineParam2 = 3;
-    QCOMPARE(ParseVideoInfo(parse), 0);
-    compareEnd("page", DOWN_STATE_PARSE_SUCCESS);
-    QCOMPARE(m_site->requestCount("/get_video_info"), 3U);
-    QCOMPARE(m_log->events("page")[1].value, 2.0);
-    QCOMPARE(m_log->events("page")[2].value, 3.0);
-
-    misbehave([](Misbehaviour &fault) { fault.answer = SiteAnswer{503, "text/plain", {}, "x"}; });
-    QCOMPARE(DownloadVideo(video("video", 2)), 0);
-    compareEnd("video", DOWN_STATE_DOWNLOAD_FAIL, 503);
-    QCOMPARE(m_site->requestCount("/stream"), 2U);
-}
-
-void TestTaskEngine::shortBodyIsContinued_data()
-{
-    QTest::addColumn<Change>("first");
-    QTest::addColumn<Change>("later");
-    QTest::addColumn<bool>("isContinued");
-    const Change nothing = [](Misbehaviour &) {};
-    QTest::newRow("ranges") << nothing << nothing << true;
-    QTest::newRow("no ranges") << nothing
-                               << Change([](Misbehaviour &fault) { fault.ignoreRange = true; })
-                               << false;
-    QTest::newRow("changed meanwhile")
-        << Change([](Misbehaviour &fault) { fault.entityTag = "\"old\""; }) << nothing << false;
-    QTest::newRow("weak tag") << Change([](Misbehaviour &fault) { fault.entityTag = "W/\"a\""; })
-                              << nothing << false;
-}
-
-void TestTaskEngine::shortBodyIsContinued()
-{
-    QFETCH(const Change, first);
-    QFETCH(const Change, later);
-    QFETCH(const bool, isContinued);
-    misbehave([&first](Misbehaviour &fault) { first(fault), fault.cutAfter = 200000; }, 1);
-    misbehave(later);
-    QCOMPARE(DownloadVideo(video("video", 2)), 0);
-    compareEnd("video", DOWN_STATE_DOWNLOAD_FINISH);
-    QVERIFY(contentsOf(path("/video.flv")) == bytes());
-    compareFiles({QStringLiteral("video.flv")});
-    QCOMPARE(m_log->count("video", DOWN_STATE_NO_RESUME), isContinued ? 0 : 1);
-    const std::string range = m_site->requests().back().range;
-    const bool askedForRest = QByteArray(QTest::currentDataTag()) != "weak tag";
-    QCOMPARE(range, askedForRest ? std::string("bytes=200000-") : std::string());
-}
-
-void TestTaskEngine::wrongRangeStartsOver_data()
-{
-    QTest::addColumn<std::string>("headers");
-    QTest::newRow("earlier start") << std::string("Content-Range: bytes 3-9/10\r\n");
-    QTest::newRow("other size") << std::string("Content-Range: bytes 4-9/11\r\n");
-    QTest::newRow("other file") << std::string("Content-Range: bytes 4-9/10\r\nETag: \"b\"\r\n");
-    QTest::newRow("more than the range") << std::string("Content-Range: bytes 4-8/10\r\n");
-    QTest::newRow("none") << std::string();
-}
-
-void TestTaskEngine::wrongRangeStartsOver()
-{
-    QFETCH(const std::string, headers);
-    const std::string tag = "ETag: \"a\"\r\n";
-    FaultServer server({"HTTP/1.1 200 OK\r\nContent-Length: 10\r\n" + tag + "\r\n0123",
-                        answer("206 Partial Content", headers, "xxxxxx"),
-                        answer("200 OK", tag, "0123456789")});
-    tagTaskInfo record = m_log->video("video", server.address(), path("/video.flv"));
-    record.nEngineParam2 = 3;
-    QCOMPARE(DownloadVideo(record), 0);
-    compareEnd("video", DOWN_STATE_DOWNLOAD_FINISH);
-    QCOMPARE(contentsOf(path("/video.flv")), std::string("0123456789"));
-    const QList<std::string> requests = server.requests();
-    QCOMPARE(requests.size(), 3);
-    QVERIFY(requests[1].find("Range: bytes=4-\r\n") != std::string::npos);
-    QVERIFY(requests[1].find("If-Range: \"a\"\r\n") != std::string::npos);
-    QVERIFY(requests[2].find("Range:") == std::string::npos);
-}
-
-void TestTaskEngine::stoppedVideoIsContinued_data()
-{
-    QTest::addColumn<std::string>("key");
-    QTest::addColumn<bool>("isContinued");
-    QTest::newRow("same video") << std::string("video") << true;
-    QTest::newRow("other video of the same name") << std::string("other") << false;
-}
-
-void TestTaskEngine::stoppedVideoIsContinued()
-{
-    QFETCH(const std::string, key);
-    QFETCH(const bool, isContinued);
-    partlyDownload("video");
-    compareFiles({QStringLiteral(".video.flv.part-info"), QStringLiteral("video.flv.part")});
-    restartEngine();
-    QCOMPARE(DownloadVideo(video(key)), 0);
-    compareEnd(key, DOWN_STATE_DOWNLOAD_FINISH);
-    QVERIFY(contentsOf(path("/video.flv")) == bytes());
-    compareFiles({QStringLiteral("video.flv")});
-    QCOMPARE(m_site->requests().back().range.empty(), !isContinued);
-}
-
-void TestTaskEngine::completePartIsRecognised()
-{
-    partlyDownload("video");
-    const std::string part = path("/video.flv.part");
-    const std::size_t had = contentsOf(part).size();
-    QFile file(QFile::decodeName(part.c_str()));
-    QVERIFY(file.open(QFile::Append));
-    file.write(QByteArray::fromStdString(bytes().substr(had)));
-    file.close();
-    FaultServer server(
-        {answer("416 Range Not Satisfiable",
-                "Content-Range: bytes */" + std::to_string(videoSize) + "\r\n", "x")});
-    restartEngine();
-    QCOMPARE(DownloadVideo(m_log->video("video", server.address(), path("/video.flv"))), 0);
-    compareEnd("video", DOWN_STATE_DOWNLOAD_FINISH);
-    QVERIFY(contentsOf(path("/video.flv")) == bytes());
-}
-
-void TestTaskEngine::equalPathsDoNotMix()
-{
-    misbehave([](Misbehaviour &fault) { fault.holdAfter = 1000; }, 1);
-    QVERIFY(!QFile::exists(QFile::decodeName(path("/video.flv").c_str())));
-    QCOMPARE(DownloadVideo(video("first")), 0);
-    QVERIFY(QFile::exists(QFile::decodeName(path("/video.flv").c_str())));
-    QVERIFY(m_log->waitFor("first", DOWN_STATE_DOWNLOAD_PROGRESS));
-    QCOMPARE(DownloadVideo(video("first")), -1);
-    QCOMPARE(DownloadVideo(video("second")), 0);
-    compareFailure("second", Failure::FileInUse);
-    QVERIFY(m_site->waitForHeld(1, std::chrono::seconds(60)));
-    m_site->release();
-    compareEnd("first", DOWN_STATE_DOWNLOAD_FINISH);
-    QVERIFY(contentsOf(path("/video.flv")) == bytes());
-}
-
-void TestTaskEngine::stop_data()
-{
-    QTest::addColumn<QString>("what");
-    for (const char *what : {"image", "retry", "paused retry", "parse", "command"})
-        QTest::newRow(what) << QString::fromLatin1(what);
-}
-
-void TestTaskEngine::stop()
-{
-    QFETCH(const QString, what);
-    const bool isParse = what == QLatin1String("parse") || what == QLatin1String("command");
-    if (what.endsWith(QLatin1String("retry")))
-        misbehave([](Misbehaviour &fault) {
-            fault.answer = SiteAnswer{503, "text/plain", {}, "x"};
-        });
-    else
-        misbehave([](Misbehaviour &fault) { fault.holdAfter = 10; });
-    if (what == QLatin1String("command"))
-        m_options.videoInfoCommand = {"sh", "-c", "sleep 600"};
-    taskengine::setOptions(m_options);
-
-    tagTaskInfo record = isParse
-                             ? m_log->parse("key", m_site->pageAddress("small-1"))
-                             : m_log->image("key", m_site->baseAddress() + "/thumbnail/small-1.jpg",
-                                            path("/image.jpg"));
-    record.nEngineParam2 = 5;
-    record.nEngineParam3 = endlessDelay;
-    QCOMPARE(isParse ? ParseVideoInfo(record) : DownloadImage(record), 0);
-    const bool isRetry = what.endsWith(QLatin1String("retry"));
-    QVERIFY(m_log->waitFor("key", isRetry   ? DOWN_STATE_RETRY_DOWNLOAD
-                                  : isParse ? DOWN_STATE_START_PARSE
-                                            : DOWN_STATE_DOWNLOAD_PROGRESS));
-    if (what.startsWith(QLatin1String("paused")))
-        QCOMPARE(SuspendedDownload("key"), 0);
-    QCOMPARE(StopDownload("key"), 0);
-    compareEnd("key", DOWN_STATE_USER_STOP);
-    QCOMPARE(StopDownload("key"), -1);
-    compareFiles({});
-    QCOMPARE(isParse ? ParseVideoInfo(record) : DownloadImage(record), 0);
-}
-
-void TestTaskEngine::suspend_data()
-{
-    QTest::addColumn<bool>("isWaiting");
-    QTest::newRow("while it runs") << false;
-    QTest::newRow("while it waits for a retry") << true;
-}
-
-/**
- * A suspended request stands still: those that were sent later, one of them with a longer delay
- * before its second try, all come in first.
- */
-void TestTaskEngine::suspend()
-{
-    QFETCH(const bool, isWaiting);
-    const Change cut = [](Misbehaviour &fault) { fault.cutAfter = videoSize / 2; };
-    if (isWaiting)
-        misbehave(cut, 1);
-    misbehave(
-        [](Misbehaviour &fault) {
-            fault.prefix = "/stream/small-1";
-            fault.holdAfter = videoSize / 10;
-        },
-        1);
-    tagTaskInfo record = video("video", 2);
-    record.nEngineParam3 = 200;
-    QCOMPARE(DownloadVideo(record), 0);
-    QVERIFY(m_log->waitFor("video", isWaiting ? DOWN_STATE_RETRY_DOWNLOAD : DOWN_STATE_FILE_SIZE));
-    QCOMPARE(SuspendedDownload("video"), 0);
-    QVERIFY(isWaiting || m_site->waitForHeld(1, std::chrono::seconds(60)));
-    for (const std::string key : {"a", "retried", "b", "c"}) {
-        const std::string address = m_site->baseAddress() + "/stream/small-2/34?" + key;
-        misbehave(
-            [&cut](Misbehaviour &fault) { cut(fault), fault.prefix = "/stream/small-2/34?r"; }, 1);
-        tagTaskInfo other = m_log->video(key, address, path("/" + key));
-        other.nEngineParam2 = 2;
-        other.nEngineParam3 = 400;
-        QCOMPARE(DownloadVideo(other), 0);
-        compareEnd(key, DOWN_STATE_DOWNLOAD_FINISH);
-        m_site->release();
-    }
-    QCOMPARE(m_log->count("video", DOWN_STATE_DOWNLOAD_FINISH), 0);
-    m_site->clearMisbehaviours();
-    QCOMPARE(SuspendedDownload("video"), 0);
-    compareEnd("video", DOWN_STATE_DOWNLOAD_FINISH);
-    QVERIFY(contentsOf(path("/video.flv")) == bytes());
-}
-
-/** Wherever a pause meets the answer, a page in the place of the video is told from the video. */
-void TestTaskEngine::suspendedAnswerIsJudged()
-{
-    misbehave([](Misbehaviour &fault) { fault.answer = SiteAnswer{200, "text/html", {}, "x"}; });
-    for (unsigned number = 0; number < 300 && !QTest::currentTestFailed(); ++number) {
-        const std::string key = std::to_string(number);
-        QCOMPARE(DownloadVideo(m_log->video(key, stream(), path("/" + key))), 0);
-        while (m_site->requestCount("/") <= number)
-            QThread::yieldCurrentThread();
-        QThread::usleep(number); // the answer comes after a few of these
-        if (SuspendedDownload(key.c_str()) == 0) {
-            QThread::usleep(2000);
-            SuspendedDownload(key.c_str());
-        }
-        compareFailure(key, Failure::NotMedia);
-    }
-}
-
-void TestTaskEngine::keyIsFreeInsideTerminalEvent()
-{
-    std::atomic<int> result{1};
-    std::atomic<int> stopped{1};
-    m_log->hook = [&](const LoggedEvent &event) {
-        if (event.code == DOWN_STATE_DOWNLOAD_FAIL) {
-            stopped = StopDownload("video");
-            result = DownloadVideo(video());
-        }
-    };
-    misbehave(
-        [](Misbehaviour &fault) {
-            fault.answer = SiteAnswer{404, "text/plain", {}, "x"};
-        },
-        1);
-    QCOMPARE(DownloadVideo(video()), 0);
-    QVERIFY(m_log->waitFor("video", DOWN_STATE_DOWNLOAD_FINISH));
-    QCOMPARE(result.load(), 0);
-    QCOMPARE(stopped.load(), -1);
-    QVERIFY(contentsOf(path("/video.flv")) == bytes());
-}
-
-void TestTaskEngine::slowCallbackHoldsUpNobody()
-{
-    QSemaphore gate;
-    m_log->hook = [&gate](const LoggedEvent &event) {
-        if (event.key == "slow" && event.code == DOWN_STATE_START_DOWNLOAD)
-            gate.acquire();
-    };
-    QCOMPARE(DownloadVideo(m_log->video("slow", stream(18), path("/slow.mp4"))), 0);
-    QVERIFY(m_log->waitFor("slow", DOWN_STATE_START_DOWNLOAD));
-    QCOMPARE(DownloadVideo(video()), 0);
-    compareEnd("video", DOWN_STATE_DOWNLOAD_FINISH);
-    QCOMPARE(m_log->events("slow").size(), 1);
-    gate.release();
-    compareEnd("slow", DOWN_STATE_DOWNLOAD_FINISH);
-}
-
-void TestTaskEngine::quitWaitsForCallbacks()
-{
-    QSemaphore gate;
-    std::atomic<bool> returned{false};
-    m_log->hook = [&](const LoggedEvent &event) {
-        if (event.key != "slow")
-            return;
-        gate.acquire();
-        returned = true;
-    };
-    misbehave([](Misbehaviour &fault) { fault.holdAfter = 10; });
-    QCOMPARE(DownloadVideo(m_log->video("slow", stream(18), path("/slow.mp4"))), 0);
-    QVERIFY(m_log->waitFor("slow", DOWN_STATE_START_DOWNLOAD));
-    QCOMPARE(DownloadVideo(video()), 0);
-    QVERIFY(m_log->waitFor("video", DOWN_STATE_DOWNLOAD_PROGRESS));
-    const std::string thumbnail = m_site->baseAddress() + "/thumbnail/small-1.jpg";
-    QCOMPARE(DownloadImage(m_log->image("image", thumbnail, path("/image.jpg"))), 0);
-    QVERIFY(m_log->waitFor("image", DOWN_STATE_DOWNLOAD_PROGRESS));
-    auto quit = std::async(std::launch::async, [] { return Quit(); });
-    QTRY_COMPARE_WITH_TIMEOUT(SuspendedDownload("video"), -1, 60000);
-    QVERIFY(!returned);
-    gate.release(1000);
-    QCOMPARE(quit.get(), 0);
-    QVERIFY(returned);
-    const qsizetype told = m_log->events().size();
-    QCOMPARE(DownloadVideo(video("late")), -1);
-    for (const std::string name : {"/video.flv", "/image.jpg", "/image.jpg.part"})
-        QVERIFY(!QFile::exists(QFile::decodeName(path(name).c_str())));
-
-    QCOMPARE(DownloadInit(), 0);
-    QCOMPARE(DownloadInit(), 0);
-    QCOMPARE(m_log->events().size(), told);
-    m_site->clearMisbehaviours();
-    QCOMPARE(DownloadVideo(video("again")), 0);
-    compareEnd("again", DOWN_STATE_DOWNLOAD_FINISH);
-    QVERIFY(!isTerminal(m_log->events("video").last().code));
-}
-
-void TestTaskEngine::quitInsideCallback()
-{
-    std::atomic<int> refused{1};
-    QSemaphore done;
-    m_log->hook = [&](const LoggedEvent &) {
-        Quit();
-        refused = DownloadVideo(video("late"));
-        done.release();
-    };
-    QCOMPARE(DownloadVideo(video()), 0);
-    QVERIFY(done.tryAcquire(1, 60000));
-    QCOMPARE(refused.load(), -1);
-    QCOMPARE(Quit(), 0);
-    QCOMPARE(m_log->events().size(), 1);
-}
-
-/** Whatever is at work, no callback is under way once Quit has returned, and all keys are free. */
-void TestTaskEngine::quitAtAnyMoment()
-{
-    QRandomGenerator random(1);
-    std::atomic<bool> hasQuit{false};
-    std::atomic<int> told{0};
-    std::atomic<int> late{0};
-    m_log->hook = [&](const LoggedEvent &) {
-        ++told;
-        QThread::usleep(500);
-        late += hasQuit;
-    };
-    misbehave([](Misbehaviour &fault) { fault.prefix = "/stream", fault.holdAfter = 1000; });
-    for (int round = 0; round < 60; ++round) {
-        QCOMPARE(DownloadInit(), 0);
-        hasQuit = false;
-        told = 0;
-        for (const std::string key : {"a", "b", "c", "d", "e", "f"}) {
-            const tagTaskInfo record = m_log->video(key, stream(), path("/" + key));
-            const tagTaskInfo page = m_log->parse(key, m_site->pageAddress("small-1"));
-            const tagTaskInfo image = m_log->image(
-                key, m_site->baseAddress() + "/thumbnail/small-1.jpg", path("/" + key));
-            const int kind = random.bounded(3);
-            QCOMPARE(kind == 0   ? DownloadVideo(record)
-                     : kind == 1 ? DownloadImage(image)
-                                 : ParseVideoInfo(page),
-                     0);
-            if (random.bounded(3) == 0)
-                SuspendedDownload(key.c_str());
-            if (random.bounded(6) == 0)
-                StopDownload(key.c_str());
-        }
-        const int wanted = random.bounded(20); // more than there are, now and then
-        for (int wait = 0; told < wanted && wait < 500; ++wait)
-            QThread::usleep(20);
-        QCOMPARE(Quit(), 0);
-        hasQuit = true;
-        QThread::usleep(1000);
-        QCOMPARE(late.load(), 0);
-        m_site->release();
-    }
-}
-
-void TestTaskEngine::proxy_data()
-{
-    QTest::addColumn<ProxyType>("type");
-    QTest::addColumn<std::string>("host");
-    QTest::addColumn<std::string>("password");
-    QTest::addColumn<double>("failure");
-    const auto row = [](const char *name, ProxyType type, const char *host, const char *password,
-                        double failure) {
-        QTest::newRow(name) << type << std::string(host) << std::string(password) << failure;
-    };
-    const char *const known = "127.0.0.1:1";
-    const char *const unknown = "video.invalid";
-    const auto refused = static_cast<double>(Failure::ProxyFailed);
-    row("HTTP", ProxyType::Http, unknown, "pass", 0);
-    row("SOCKS5", ProxyType::Socks5, known, "pass", 0);
-    row("SOCKS5 with the proxy's names", ProxyType::Socks5RemoteNames, unknown, "pass", 0);
-    row("HTTP, wrong password", ProxyType::Http, unknown, "x", 407);
-    row("SOCKS5, wrong password", ProxyType::Socks5, known, "x", refused);
-}
-
-/** The record says it alone, whatever the environment says. Only the proxy knows the hosts. */
-void TestTaskEngine::proxy()
-{
-    QFETCH(const ProxyType, type);
-    QFETCH(const std::string, host);
-    QFETCH(const std::string, password);
-    QFETCH(const double, failure);
-    QVERIFY(m_site->startProxy("user", "pass"));
-    qputenv("http_proxy", "http://127.0.0.1:1");
-    QCOMPARE(DownloadVideo(video("direct")), 0);
-    compareEnd("direct", DOWN_STATE_DOWNLOAD_FINISH, videoSize);
-    qunsetenv("http_proxy");
-
-    qputenv("no_proxy", "*");
-    tagTaskInfo record = m_log->video("key", "http://" + host + "/stream/small-1/34", path("/x"));
-    record.nProxySet = 1;
-    m_log->copyText(record.proxyParam.szProxyText1, 128, "127.0.0.1");
-    record.proxyParam.nProxyValue1 = m_site->proxyPort();
-    record.proxyParam.nProxyValue2 = static_cast<std::int32_t>(type);
-    m_log->copyText(record.proxyParam.szProxyText2, 128, "user");
-    m_log->copyText(record.proxyParam.szProxyText3, 128, password);
-    QCOMPARE(DownloadVideo(record), 0);
-    compareEnd("key", failure > 0 ? DOWN_STATE_DOWNLOAD_FAIL : DOWN_STATE_DOWNLOAD_FINISH,
-               failure > 0 ? failure : videoSize);
-    qunsetenv("no_proxy");
-}
-
-void TestTaskEngine::proxyWithoutHost()
-{
-    tagTaskInfo record = video();
-    record.nProxySet = 1;
-    QCOMPARE(DownloadVideo(record), 0);
-    compareFailure("video", Failure::ProxyFailed);
-    QCOMPARE(m_site->requestCount("/"), 0U);
-}
-
-void TestTaskEngine::certificateMustBeTrusted()
-{
-    QVERIFY(m_site->startTls());
-    const std::string address = m_site->secureAddress() + "/stream/small-1/34";
-    QCOMPARE(DownloadVideo(m_log->video("bad", address, path("/bad.flv"))), 0);
-    compareFailure("bad", Failure::TlsFailed);
-    compareFiles({});
-    m_options.caFile = path("/trusted.pem");
-    write(m_options.caFile, m_site->certificate(), QFile::WriteOnly);
-    taskengine::setOptions(m_options);
-    QCOMPARE(DownloadVideo(m_log->video("good", address, path("/good.flv"))), 0);
-    compareEnd("good", DOWN_STATE_DOWNLOAD_FINISH, videoSize);
-}
-
-/** The site asks for more patience than the request has, which also holds up nobody else. */
-void TestTaskEngine::retryAfterIsHonoured()
-{
-    const auto refuseOnce = [this](const std::string &query, const char *header) {
-        misbehave(
-            [&](Misbehaviour &fault) {
-                fault.prefix = "/stream/small-1/34?" + query;
-                fault.answer = SiteAnswer{429, "text/plain", {{header, "1"}}, "x"};
-            },
-            1);
-        tagTaskInfo record = m_log->video(query, stream() + "?" + query, path("/" + query));
-        record.nEngineParam2 = 2;
-        record.nEngineParam3 = 200;
-        QCOMPARE(DownloadVideo(record), 0);
-    };
-    refuseOnce("patient", "Retry-After");
-    refuseOnce("other", "X-Other");
-    compareEnd("other", DOWN_STATE_DOWNLOAD_FINISH, videoSize);
-    QCOMPARE(m_log->count("patient", DOWN_STATE_DOWNLOAD_FINISH), 0);
-    compareEnd("patient", DOWN_STATE_DOWNLOAD_FINISH, videoSize);
-}
-
-/** Without an announced length the end of the connection is the end of the video. */
-void TestTaskEngine::lengthIsNotNeeded()
-{
-    misbehave([](Misbehaviour &fault) { fault.unannounced = true; });
-    QCOMPARE(DownloadVideo(video()), 0);
-    compareEnd("video", DOWN_STATE_DOWNLOAD_FINISH, videoSize);
-    QVERIFY(contentsOf(path("/video.flv")) == bytes());
-}
 
 QTEST_GUILESS_MAIN(TestTaskEngine)
 #include "tst_taskengine.moc"

@@ -6,13 +6,11 @@
 #include <QTest>
 
 #include <arpa/inet.h>
-#include <future>
+#include <array>
 #include <sys/socket.h>
 #include <unistd.h>
 
 namespace {
-
-constexpr std::chrono::seconds patience{60};
 
 struct Reply
 {
@@ -87,13 +85,6 @@ QByteArray smallBytes()
     return QByteArray::fromStdString(smallVideoBytes(7, 34, 4096));
 }
 
-Misbehaviour faultAt(const char *prefix)
-{
-    Misbehaviour fault;
-    fault.prefix = prefix;
-    return fault;
-}
-
 } // namespace
 
 class TestVideoSite : public QObject
@@ -108,236 +99,117 @@ private slots:
     }
     void cleanup() { m_site.reset(); }
 
-    void everyVideoIsAsItsInfoSays_data();
-    void everyVideoIsAsItsInfoSays();
-    void refusedVideoHasNoFormats();
-    void equalTitlesHaveDifferentBytes();
-    void absentThings_data();
-    void absentThings();
-    void ranges_data();
-    void ranges();
-    void cutBodyIsShorterThanPromised();
-    void faultsMeetTheFirstRequestsOnly();
-    void changedResourceStartsOver();
-    void heldBodyWaitsForRelease();
-    void stopEndsHeldBodies();
-    void portIsNotShared();
-    void unreadableFaults();
+    void everyVideoIsAsItsInfoSays_data()
+    {
+        QTest::addColumn<int>("index");
+        for (int i = 0; i < static_cast<int>(siteCatalogue().size()); ++i) {
+            const SiteVideo &video = siteCatalogue()[static_cast<std::size_t>(i)];
+            if (video.failure.empty())
+                QTest::newRow(video.id.c_str()) << i;
+        }
+    }
+
+    void everyVideoIsAsItsInfoSays()
+    {
+        QFETCH(int, index);
+        const SiteVideo &video = siteCatalogue()[static_cast<std::size_t>(index)];
+        const QByteArray id = QByteArray::fromStdString(video.id);
+        QCOMPARE(get(*m_site, "/watch?v=" + id).status, 200);
+        const auto info = decodeForm(get(*m_site, "/get_video_info?video_id=" + id).body);
+        QCOMPARE(info.value("status"), "ok");
+        QCOMPARE(info.value("video_id"), id);
+        QCOMPARE(info.value("title"), QByteArray::fromStdString(video.title));
+        QCOMPARE(info.value("keywords"), QByteArray::fromStdString(video.keywords));
+        const Reply thumbnail = get(*m_site, pathOf(info.value("thumbnail_url"), *m_site));
+        QCOMPARE(thumbnail.headers.value("Content-Type"), "image/jpeg");
+        QVERIFY(thumbnail.body.startsWith("\xFF\xD8\xFF"));
+
+        const QList<QByteArray> streams = info.value("fmt_stream_map").split(',');
+        const QList<QByteArray> sizes = info.value("fmt_list").split(',');
+        QCOMPARE(streams.size(), static_cast<qsizetype>(video.formats.size()));
+        QCOMPARE(sizes.size(), streams.size());
+        for (qsizetype i = 0; i < streams.size(); ++i) {
+            const int format = video.formats[static_cast<std::size_t>(i)];
+            const QList<QByteArray> stream = streams[i].split('|');
+            QCOMPARE(stream.size(), 2);
+            QCOMPARE(stream[0].toInt(), format);
+            QCOMPARE(sizes[i].split('/').first().toInt(), format);
+            QVERIFY(looksLikeVideo(get(*m_site, pathOf(stream[1], *m_site)), format));
+        }
+    }
+
+    void ranges_data()
+    {
+        QTest::addColumn<QByteArray>("range");
+        QTest::addColumn<QByteArray>("ifRange");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QByteArray>("contentRange");
+        QTest::addColumn<int>("first");
+        QTest::addColumn<int>("length");
+        const auto row = [](const char *name, const char *range, const char *ifRange, int status,
+                            const char *contentRange, int first, int length) {
+            QTest::newRow(name) << QByteArray(range) << QByteArray(ifRange) << status
+                                << QByteArray(contentRange) << first << length;
+        };
+        row("none", "", "", 200, "", 0, 4096);
+        row("from the middle", "bytes=4000-", "", 206, "bytes 4000-4095/4096", 4000, 96);
+        row("first byte", "bytes=0-0", "", 206, "bytes 0-0/4096", 0, 1);
+        row("last bytes", "bytes=-6", "", 206, "bytes 4090-4095/4096", 4090, 6);
+        row("more last bytes than there are", "bytes=-9999", "", 206, "bytes 0-4095/4096", 0, 4096);
+        row("past the end", "bytes=4095-9999", "", 206, "bytes 4095-4095/4096", 4095, 1);
+        row("at the end", "bytes=4096-", "", 416, "bytes */4096", 0, 0);
+        row("several", "bytes=0-1,5-6", "", 200, "", 0, 4096);
+        row("same tag", "bytes=4000-", "TAG", 206, "bytes 4000-4095/4096", 4000, 96);
+        row("other tag", "bytes=4000-", "\"other\"", 200, "", 0, 4096);
+        row("weak tag", "bytes=4000-", "W/TAG", 200, "", 0, 4096);
+        row("same date", "bytes=4000-", "DATE", 206, "bytes 4000-4095/4096", 4000, 96);
+        row("beyond with another tag", "bytes=9999-", "\"other\"", 200, "", 0, 4096);
+    }
+
+    void ranges()
+    {
+        QFETCH(QByteArray, range);
+        QFETCH(QByteArray, ifRange);
+        QFETCH(int, first);
+        QFETCH(int, length);
+        const Reply whole = get(*m_site, smallStream);
+        ifRange.replace("TAG", whole.headers.value("ETag"));
+        ifRange.replace("DATE", whole.headers.value("Last-Modified"));
+        QByteArray headers;
+        if (!range.isEmpty())
+            headers += "Range: " + range + "\r\n";
+        if (!ifRange.isEmpty())
+            headers += "If-Range: " + ifRange + "\r\n";
+        const Reply reply = get(*m_site, smallStream, headers);
+        QTEST(reply.status, "status");
+        QTEST(reply.headers.value("Content-Range", ""), "contentRange");
+        QCOMPARE(reply.headers.value("Content-Length").toInt(), length);
+        QCOMPARE(reply.body, smallBytes().mid(first, length));
+        const SiteRequest recorded = m_site->requests().back();
+        QCOMPARE(QByteArray::fromStdString(recorded.range), range);
+        QCOMPARE(QByteArray::fromStdString(recorded.ifRange), ifRange);
+    }
+
+    void portIsNotShared()
+    {
+        VideoSite second;
+        QVERIFY(!second.start(m_site->port()));
+    }
+
+    void unreadableFaults()
+    {
+        for (const char *text :
+             {"first=x", "first=-1", "cut=99999999999999999999", "status=99", "status=600",
+              "nothing", "nothing=1", "endless=1", "cut", "=", ",cut=1"})
+            QVERIFY2(!readMisbehaviour(text), text);
+        const auto fault = readMisbehaviour("prefix=/a=b,first=2,endless,retry-after=3,status=503");
+        QVERIFY(fault && fault->endless && fault->firstRequests == 2U && fault->prefix == "/a=b");
+        QVERIFY(fault->answer->status == 503 && fault->answer->headers.at("Retry-After") == "3");
+    }
 
 private: // NOLINT(readability-redundant-access-specifiers): slots end here
     std::unique_ptr<VideoSite> m_site;
 };
-
-void TestVideoSite::everyVideoIsAsItsInfoSays_data()
-{
-    QTest::addColumn<int>("index");
-    for (int i = 0; i < static_cast<int>(siteCatalogue().size()); ++i) {
-        const SiteVideo &video = siteCatalogue()[static_cast<std::size_t>(i)];
-        if (video.failure.empty())
-            QTest::newRow(video.id.c_str()) << i;
-    }
-}
-
-void TestVideoSite::everyVideoIsAsItsInfoSays()
-{
-    QFETCH(int, index);
-    const SiteVideo &video = siteCatalogue()[static_cast<std::size_t>(index)];
-    const QByteArray id = QByteArray::fromStdString(video.id);
-    QCOMPARE(get(*m_site, "/watch?v=" + id).status, 200);
-    const auto info = decodeForm(get(*m_site, "/get_video_info?video_id=" + id).body);
-    QCOMPARE(info.value("status"), "ok");
-    QCOMPARE(info.value("video_id"), id);
-    QCOMPARE(info.value("title"), QByteArray::fromStdString(video.title));
-    QCOMPARE(info.value("keywords"), QByteArray::fromStdString(video.keywords));
-    const Reply thumbnail = get(*m_site, pathOf(info.value("thumbnail_url"), *m_site));
-    QCOMPARE(thumbnail.headers.value("Content-Type"), "image/jpeg");
-    QVERIFY(thumbnail.body.startsWith("\xFF\xD8\xFF"));
-
-    const QList<QByteArray> streams = info.value("fmt_stream_map").split(',');
-    const QList<QByteArray> sizes = info.value("fmt_list").split(',');
-    QCOMPARE(streams.size(), static_cast<qsizetype>(video.formats.size()));
-    QCOMPARE(sizes.size(), streams.size());
-    for (qsizetype i = 0; i < streams.size(); ++i) {
-        const int format = video.formats[static_cast<std::size_t>(i)];
-        const QList<QByteArray> stream = streams[i].split('|');
-        QCOMPARE(stream.size(), 2);
-        QCOMPARE(stream[0].toInt(), format);
-        QCOMPARE(sizes[i].split('/').first().toInt(), format);
-        QVERIFY(looksLikeVideo(get(*m_site, pathOf(stream[1], *m_site)), format));
-    }
-}
-
-void TestVideoSite::refusedVideoHasNoFormats()
-{
-    const auto info = decodeForm(get(*m_site, "/get_video_info?video_id=notAllowed4").body);
-    QCOMPARE(info.value("status"), "fail");
-    QVERIFY(!info.value("reason").isEmpty());
-    QVERIFY(!info.contains("fmt_stream_map"));
-}
-
-void TestVideoSite::equalTitlesHaveDifferentBytes()
-{
-    const auto title = [this](const QByteArray &id) {
-        return decodeForm(get(*m_site, "/get_video_info?video_id=" + id).body).value("title");
-    };
-    QCOMPARE(title("sameTitleA1"), title("sameTitleB2"));
-    const Reply first = get(*m_site, "/stream/sameTitleA1/18");
-    const Reply second = get(*m_site, "/stream/sameTitleB2/18");
-    QVERIFY(first.body != second.body);
-    QVERIFY(first.headers.value("ETag") != second.headers.value("ETag"));
-}
-
-void TestVideoSite::absentThings_data()
-{
-    QTest::addColumn<QByteArray>("target");
-    QTest::addColumn<int>("status");
-    QTest::newRow("page") << QByteArray("/watch?v=missingPage") << 404;
-    QTest::newRow("info") << QByteArray("/get_video_info?video_id=missingPage") << 404;
-    QTest::newRow("format not offered") << QByteArray("/stream/sameTitleA1/22") << 404;
-    QTest::newRow("format unknown") << QByteArray("/stream/sameTitleA1/99") << 404;
-    QTest::newRow("no format") << QByteArray("/stream/sameTitleA1") << 404;
-    QTest::newRow("outside of the media") << QByteArray("/thumbnail/../media/bars.jpg") << 404;
-    QTest::newRow("even failing video") << QByteArray("/get_video_info?video_id=failing-4") << 404;
-    QTest::newRow("odd failing video") << QByteArray("/get_video_info?video_id=failing-5") << 500;
-    QTest::newRow("page of a failing video") << QByteArray("/watch?v=failing-4") << 200;
-}
-
-void TestVideoSite::absentThings()
-{
-    QFETCH(QByteArray, target);
-    QTEST(get(*m_site, target).status, "status");
-}
-
-void TestVideoSite::ranges_data()
-{
-    QTest::addColumn<QByteArray>("range");
-    QTest::addColumn<QByteArray>("ifRange");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QByteArray>("contentRange");
-    QTest::addColumn<int>("first");
-    QTest::addColumn<int>("length");
-    const auto row = [](const char *name, const char *range, const char *ifRange, int status,
-                        const char *contentRange, int first, int length) {
-        QTest::newRow(name) << QByteArray(range) << QByteArray(ifRange) << status
-                            << QByteArray(contentRange) << first << length;
-    };
-    row("none", "", "", 200, "", 0, 4096);
-    row("from the middle", "bytes=4000-", "", 206, "bytes 4000-4095/4096", 4000, 96);
-    row("first byte", "bytes=0-0", "", 206, "bytes 0-0/4096", 0, 1);
-    row("last bytes", "bytes=-6", "", 206, "bytes 4090-4095/4096", 4090, 6);
-    row("more last bytes than there are", "bytes=-9999", "", 206, "bytes 0-4095/4096", 0, 4096);
-    row("past the end", "bytes=4095-9999", "", 206, "bytes 4095-4095/4096", 4095, 1);
-    row("at the end", "bytes=4096-", "", 416, "bytes */4096", 0, 0);
-    row("several", "bytes=0-1,5-6", "", 200, "", 0, 4096);
-    row("same tag", "bytes=4000-", "TAG", 206, "bytes 4000-4095/4096", 4000, 96);
-    row("other tag", "bytes=4000-", "\"other\"", 200, "", 0, 4096);
-    row("weak tag", "bytes=4000-", "W/TAG", 200, "", 0, 4096);
-    row("same date", "bytes=4000-", "DATE", 206, "bytes 4000-4095/4096", 4000, 96);
-    row("beyond with another tag", "bytes=9999-", "\"other\"", 200, "", 0, 4096);
-}
-
-void TestVideoSite::ranges()
-{
-    QFETCH(QByteArray, range);
-    QFETCH(QByteArray, ifRange);
-    QFETCH(int, first);
-    QFETCH(int, length);
-    const Reply whole = get(*m_site, smallStream);
-    ifRange.replace("TAG", whole.headers.value("ETag"));
-    ifRange.replace("DATE", whole.headers.value("Last-Modified"));
-    QByteArray headers;
-    if (!range.isEmpty())
-        headers += "Range: " + range + "\r\n";
-    if (!ifRange.isEmpty())
-        headers += "If-Range: " + ifRange + "\r\n";
-    const Reply reply = get(*m_site, smallStream, headers);
-    QTEST(reply.status, "status");
-    QTEST(reply.headers.value("Content-Range", ""), "contentRange");
-    QCOMPARE(reply.headers.value("Content-Length").toInt(), length);
-    QCOMPARE(reply.body, smallBytes().mid(first, length));
-    const SiteRequest recorded = m_site->requests().back();
-    QCOMPARE(QByteArray::fromStdString(recorded.range), range);
-    QCOMPARE(QByteArray::fromStdString(recorded.ifRange), ifRange);
-}
-
-void TestVideoSite::cutBodyIsShorterThanPromised()
-{
-    Misbehaviour fault = faultAt("/stream/small-7/");
-    fault.cutAfter = 1000;
-    m_site->addMisbehaviour(fault);
-    const Reply reply = get(*m_site, smallStream, "Range: bytes=96-\r\n");
-    QCOMPARE(reply.headers.value("Content-Length"), "4000");
-    QCOMPARE(reply.body, smallBytes().mid(96, 1000));
-    QCOMPARE(get(*m_site, "/stream/small-77/34").body.size(), 4096);
-}
-
-void TestVideoSite::faultsMeetTheFirstRequestsOnly()
-{
-    Misbehaviour fault = faultAt("/get_video_info?video_id=small-7");
-    fault.firstRequests = 2;
-    fault.answer = SiteAnswer{503, "text/plain", {{"Retry-After", "1"}}, "busy"};
-    m_site->addMisbehaviour(fault);
-    for (const int expected : {503, 503, 200})
-        QCOMPARE(get(*m_site, "/get_video_info?video_id=small-7").status, expected);
-    QCOMPARE(m_site->requestCount("/get_video_info"), std::size_t(3));
-    QCOMPARE(m_site->requestCount("/stream"), std::size_t(0));
-}
-
-void TestVideoSite::changedResourceStartsOver()
-{
-    const QByteArray tag = get(*m_site, smallStream).headers.value("ETag");
-    Misbehaviour fault = faultAt("/stream/");
-    fault.entityTag = "\"changed\"";
-    m_site->addMisbehaviour(fault);
-    const QByteArray resume = "Range: bytes=10-\r\nIf-Range: ";
-    QCOMPARE(get(*m_site, smallStream, resume + tag + "\r\n").status, 200);
-    QCOMPARE(get(*m_site, smallStream, resume + "\"changed\"\r\n").status, 206);
-    m_site->clearMisbehaviours();
-    fault = faultAt("/stream/");
-    fault.ignoreRange = true;
-    m_site->addMisbehaviour(fault);
-    QCOMPARE(get(*m_site, smallStream, resume + tag + "\r\n").body, smallBytes());
-}
-
-void TestVideoSite::heldBodyWaitsForRelease()
-{
-    Misbehaviour fault = faultAt("/stream/");
-    fault.holdAfter = 100;
-    fault.bytesPerSecond = 1000000;
-    m_site->addMisbehaviour(fault);
-    auto reply = std::async(std::launch::async, [this] { return get(*m_site, smallStream); });
-    QVERIFY(m_site->waitForHeld(1, patience));
-    m_site->release();
-    QCOMPARE(reply.get().body, smallBytes());
-}
-
-void TestVideoSite::stopEndsHeldBodies()
-{
-    Misbehaviour fault = faultAt("/stream/");
-    fault.holdAfter = 100;
-    m_site->addMisbehaviour(fault);
-    auto reply = std::async(std::launch::async, [this] { return get(*m_site, smallStream); });
-    QVERIFY(m_site->waitForHeld(1, patience));
-    m_site->stop();
-    QCOMPARE(reply.get().body, smallBytes().left(100));
-}
-
-void TestVideoSite::portIsNotShared()
-{
-    VideoSite second;
-    QVERIFY(!second.start(m_site->port()));
-}
-
-void TestVideoSite::unreadableFaults()
-{
-    for (const char *text :
-         {"first=x", "first=-1", "cut=99999999999999999999", "status=99", "status=600", "nothing",
-          "nothing=1", "endless=1", "cut", "=", ",cut=1"})
-        QVERIFY2(!readMisbehaviour(text), text);
-    const auto fault = readMisbehaviour("prefix=/a=b,first=2,endless,retry-after=3,status=503");
-    QVERIFY(fault && fault->endless && fault->firstRequests == 2U && fault->prefix == "/a=b");
-    QVERIFY(fault->answer->status == 503 && fault->answer->headers.at("Retry-After") == "3");
-}
 
 QTEST_GUILESS_MAIN(TestVideoSite)
 #include "tst_videosite.moc"
