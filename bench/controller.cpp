@@ -45,6 +45,7 @@ int SetProductAppDataPath(const char *)
     return 0;
 }
 
+// NOLINTBEGIN(performance-unnecessary-value-param): the boundary passes records by value
 int ParseVideoInfo(tagTaskInfo request)
 {
     request.pfnVideoInfoCallback(request.pUserData, request.szTaskKey, DOWN_STATE_PARSE_SUCCESS,
@@ -66,6 +67,7 @@ int DownloadImage(tagTaskInfo request)
     report(request, DOWN_STATE_DOWNLOAD_FINISH);
     return 0;
 }
+// NOLINTEND(performance-unnecessary-value-param)
 
 int StopDownload(const char *)
 {

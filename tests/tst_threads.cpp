@@ -3,6 +3,7 @@
 
 #include <QRandomGenerator>
 
+#include <array>
 #include <atomic>
 #include <thread>
 
@@ -238,9 +239,9 @@ private slots:
         f.parsed(1);
         f.down->SaveToFile(f.root.filePath(u"one.xml"_s));
         Turmoil turmoil(f);
-        std::vector<std::thread> threads;
-        for (int n = 0; n < 8; ++n)
-            threads.emplace_back([&turmoil] { turmoil.work(300); });
+        std::array<std::thread, 8> threads;
+        for (std::thread &thread : threads)
+            thread = std::thread([&turmoil] { turmoil.work(300); });
         for (std::thread &thread : threads)
             thread.join();
         turmoil.endAll();
