@@ -84,6 +84,7 @@ std::optional<Fault> DownloadJob::beginWhole(const ResponseHead &head)
             return fault;
     }
     m_end = head.length;
+    m_begun = Clock::now();
     if (isVideo())
         m_part.remember(head.length, head.validator);
     return expect(head.length);
@@ -178,6 +179,8 @@ void DownloadJob::warnNoResume()
 
 void DownloadJob::report(Clock::time_point now)
 {
+    if (now - m_begun >= reportInterval)
+        m_part.note(); // what takes so long may be broken off, and is worth continuing
     if (const auto position = m_meter.progress(m_part.size(), now))
         post(DOWN_STATE_DOWNLOAD_PROGRESS, static_cast<double>(*position));
     if (const auto speed = m_meter.speed(m_part.size(), now))

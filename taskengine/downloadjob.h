@@ -40,9 +40,10 @@ private:
 
     PartFile m_part;
     ProgressMeter m_meter;
-    std::int64_t m_total = -1; ///< bytes of the whole file, -1 while unknown
-    std::int64_t m_end = -1;   ///< where the announced body ends in the file, -1 when unknown
-    std::int64_t m_asked = 0;  ///< where the try asked the site to begin
+    std::int64_t m_total = -1;   ///< bytes of the whole file, -1 while unknown
+    Clock::time_point m_begun{}; ///< when the body that is received began
+    std::int64_t m_end = -1;     ///< where the announced body ends in the file, -1 when unknown
+    std::int64_t m_asked = 0;    ///< where the try asked the site to begin
     std::int64_t m_sizeReported = -1;
     bool m_complete = false; ///< the part turned out to be the whole file
     bool m_warned = false;

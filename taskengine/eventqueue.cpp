@@ -33,6 +33,7 @@ struct EventDispatcher::Core
     std::vector<std::thread> threads;
     std::size_t idle = 0;
     std::size_t active = 0;
+    bool called = false; ///< a thread is on its way to look for work
     bool stopping = false;
 };
 
@@ -73,46 +74,68 @@ void EventDispatcher::post(const std::shared_ptr<EventQueue> &queue, Event event
         return;
     queue->m_scheduled = true;
     m_core->ready.push_back(queue);
+}
+
+void EventDispatcher::wake()
+{
+    const std::lock_guard<std::mutex> lock(m_core->mutex);
+    callThread(m_core);
+}
+
+/**
+ * Called with the mutex locked. One thread at a time is on its way, and calls the next when it
+ * finds more than it takes: so quick callbacks keep few threads busy, and slow ones get as many as
+ * needed.
+ */
+void EventDispatcher::callThread(const std::shared_ptr<Core> &core)
+{
+    if (core->stopping || core->called || core->ready.empty())
+        return;
     try {
-        if (m_core->idle < m_core->ready.size())
-            addThread(m_core);
+        if (core->idle == 0)
+            addThread(core);
+        core->called = true;
+        core->wake.notify_one();
     } catch (const std::system_error &) { // no more threads to be had: those there are will do
     }
-    m_core->wake.notify_one();
 }
 
 void EventDispatcher::run(const std::shared_ptr<Core> &core)
 {
     std::unique_lock<std::mutex> lock(core->mutex);
-    for (;;) {
+    core->called = false;
+    while (!core->stopping) {
+        if (!core->ready.empty()) {
+            deliverNext(core);
+            continue;
+        }
         ++core->idle;
-        core->wake.wait(lock, [&core] { return core->stopping || !core->ready.empty(); });
+        core->wake.wait(lock);
         --core->idle;
-        if (core->stopping)
-            return;
-        deliverNext(*core);
+        core->called = false;
     }
 }
 
 /** Called and left with the mutex locked; it is open during the callback. */
-void EventDispatcher::deliverNext(Core &core)
+void EventDispatcher::deliverNext(const std::shared_ptr<Core> &core)
 {
-    std::shared_ptr<EventQueue> queue = std::move(core.ready.front());
-    core.ready.pop_front();
+    std::shared_ptr<EventQueue> queue = std::move(core->ready.front());
+    core->ready.pop_front();
     Event event = std::move(queue->m_pending.front());
     queue->m_pending.pop_front();
-    ++core.active;
-    core.mutex.unlock();
+    callThread(core);
+    ++core->active;
+    core->mutex.unlock();
     insideCallback = true;
     queue->deliver(event);
     insideCallback = false;
-    core.mutex.lock();
-    --core.active;
-    queue->m_scheduled = !queue->m_pending.empty() && !core.stopping;
+    core->mutex.lock();
+    --core->active;
+    queue->m_scheduled = !queue->m_pending.empty() && !core->stopping;
     if (queue->m_scheduled)
-        core.ready.push_back(std::move(queue));
-    if (core.stopping)
-        core.done.notify_all();
+        core->ready.push_back(std::move(queue));
+    if (core->stopping)
+        core->done.notify_all();
 }
 
 bool EventDispatcher::stop()

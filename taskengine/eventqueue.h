@@ -53,8 +53,14 @@ public:
     EventDispatcher &operator=(const EventDispatcher &) = delete;
     ~EventDispatcher();
 
-    /** Queues an event; dropped after `stop`. Any thread; does not wait for callbacks. */
+    /**
+     * Queues an event, to be delivered from the next `wake` on, if not before; dropped after
+     * `stop`. Any thread; does not wait for callbacks.
+     */
     void post(const std::shared_ptr<EventQueue> &queue, Event event);
+
+    /** Sees to it that what is queued is delivered. Once for many events costs the least. */
+    void wake();
 
     /**
      * Drops what is queued, waits for the callbacks in flight and ends the threads. From inside a
@@ -68,8 +74,9 @@ private:
     struct Core;
 
     static void addThread(const std::shared_ptr<Core> &core);
+    static void callThread(const std::shared_ptr<Core> &core);
     static void run(const std::shared_ptr<Core> &core);
-    static void deliverNext(Core &core);
+    static void deliverNext(const std::shared_ptr<Core> &core);
 
     /** Shared with the threads, which may outlive this object by the callback they are in. */
     std::shared_ptr<Core> m_core;

@@ -22,6 +22,9 @@ std::string folderOf(const std::string &path)
     return path.substr(0, path.rfind('/') + 1);
 }
 
+/** Asking the file system takes as long as opening a file, and all take names this long. */
+constexpr std::size_t fitsEverywhere = 128;
+
 std::size_t longestName(const std::string &folder)
 {
     const long longest = ::pathconf(folder.empty() ? "." : folder.c_str(), _PC_NAME_MAX);
@@ -40,9 +43,12 @@ std::string nameHash(const std::string &name)
 }
 
 /** Leaves room for what the names of the part and its facts add to it. */
-std::string shortened(const std::string &name, std::size_t longest)
+std::string shortened(const std::string &folder, const std::string &name)
 {
     const std::size_t added = 1 + std::char_traits<char>::length(factsSuffix);
+    if (name.size() + added <= fitsEverywhere)
+        return name;
+    const std::size_t longest = longestName(folder);
     if (name.size() + added <= longest)
         return name;
     const std::string hash = nameHash(name);
@@ -73,13 +79,19 @@ PartFile::~PartFile()
 std::optional<Fault> PartFile::open(const std::string &target, const std::string &key)
 {
     const std::string folder = folderOf(target);
-    const std::string name = shortened(target.substr(folder.size()), longestName(folder));
+    const std::string name = shortened(folder, target.substr(folder.size()));
     m_path = folder + name + partSuffix;
     m_factsPath = folder + "." + name + factsSuffix;
     m_key = key;
     if (const auto fault = openLocked())
         return fault;
+    m_facts = {};
     m_size = ::lseek(m_file, 0, SEEK_END);
+    m_noted = true; // for all that is known
+    if (m_size == 0) {
+        forgetNote();
+        return std::nullopt;
+    }
     loadFacts();
     return canContinue() ? std::nullopt : restart();
 }
@@ -104,7 +116,6 @@ std::optional<Fault> PartFile::openLocked()
 
 void PartFile::loadFacts()
 {
-    m_facts = {};
     std::ifstream file(m_factsPath);
     std::string heading;
     PartFacts facts;
@@ -123,7 +134,7 @@ bool PartFile::canContinue() const
 
 std::optional<Fault> PartFile::restart()
 {
-    ::unlink(m_factsPath.c_str());
+    forgetNote();
     m_facts = {};
     if (::ftruncate(m_file, 0) != 0 || ::lseek(m_file, 0, SEEK_SET) != 0)
         return fileFault(errno);
@@ -131,15 +142,21 @@ std::optional<Fault> PartFile::restart()
     return std::nullopt;
 }
 
-/** Facts that cannot be noted only cost a later request its head start. */
 void PartFile::remember(std::int64_t total, const std::string &validator)
 {
+    forgetNote();
     m_facts = {m_key, total, validator};
-    ::unlink(m_factsPath.c_str());
-    if (validator.empty() || total < 0)
+}
+
+/** Facts that cannot be noted only cost a later request its head start. */
+void PartFile::note()
+{
+    if (m_noted || m_facts.validator.empty() || m_facts.total < 0)
         return;
-    const std::string text = std::string(factsHeading) + "\n" + m_key + "\n" + validator + "\n" +
-                             std::to_string(total) + "\n";
+    m_noted = true;
+    ::unlink(m_factsPath.c_str());
+    const std::string text = std::string(factsHeading) + "\n" + m_key + "\n" + m_facts.validator +
+                             "\n" + std::to_string(m_facts.total) + "\n";
     const int file = openNoFollow(m_factsPath, O_WRONLY | O_CREAT | O_EXCL);
     if (file < 0)
         return;
@@ -147,6 +164,13 @@ void PartFile::remember(std::int64_t total, const std::string &validator)
         ::write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size());
     if (::close(file) != 0 || !written)
         ::unlink(m_factsPath.c_str());
+}
+
+void PartFile::forgetNote()
+{
+    if (m_noted)
+        ::unlink(m_factsPath.c_str());
+    m_noted = false;
 }
 
 std::optional<Fault> PartFile::append(const char *data, std::size_t length)
@@ -184,24 +208,26 @@ std::optional<Fault> PartFile::commit(const std::string &target)
         return fileFault(errno);
     if (std::rename(m_path.c_str(), target.c_str()) != 0)
         return permanent(Failure::FileNotWritable);
-    ::unlink(m_factsPath.c_str());
+    forgetNote();
     close();
     return std::nullopt;
 }
 
 void PartFile::keep()
 {
-    if (canContinue())
-        close();
-    else
+    if (!canContinue()) {
         discard();
+        return;
+    }
+    note();
+    close();
 }
 
 void PartFile::discard()
 {
     if (m_file < 0)
         return;
-    ::unlink(m_factsPath.c_str());
+    forgetNote();
     ::unlink(m_path.c_str());
     close();
 }

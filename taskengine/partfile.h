@@ -46,8 +46,11 @@ public:
     /** Empties the file and forgets what is known about it. */
     std::optional<Fault> restart();
 
-    /** Notes the facts beside the file, for this and later requests. An empty validator: none. */
+    /** Sets the facts, for this request and, once they are noted, later ones. */
     void remember(std::int64_t total, const std::string &validator);
+
+    /** Writes the facts beside the file, unless that is done or they allow nothing. */
+    void note();
 
     std::optional<Fault> append(const char *data, std::size_t length);
 
@@ -66,6 +69,7 @@ public:
 private:
     std::optional<Fault> openLocked();
     void loadFacts();
+    void forgetNote();
     void close();
 
     std::string m_path;
@@ -74,6 +78,7 @@ private:
     std::string m_key;
     std::int64_t m_size = 0;
     int m_file = -1;
+    bool m_noted = false; ///< the facts are in their file
 };
 
 } // namespace taskengine

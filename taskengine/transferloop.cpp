@@ -84,6 +84,7 @@ void TransferLoop::step()
         std::this_thread::sleep_for(errorWait);
     readResults();
     tickJobs();
+    m_events.wake();
 }
 
 void TransferLoop::runCommands()

@@ -1,15 +1,15 @@
 #include "driver/historykeeper.h"
 
+#include "driver/soundness.h"
+
 #include <QDateTime>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
-#include <QXmlStreamReader>
 
 #include <algorithm>
 #include <filesystem>
-#include <optional>
 
 #include <cstdio>
 #include <fcntl.h>
@@ -31,28 +31,6 @@ QString realPath(const QString &path)
 std::filesystem::path native(const QString &path)
 {
     return QFile::encodeName(path).toStdString();
-}
-
-// The tasks of a well-formed file; nothing when it cannot be read or is damaged.
-std::optional<int> countTasks(const QString &path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    QXmlStreamReader xml(&file);
-    int depth = 0;
-    int tasks = 0;
-    while (!xml.atEnd()) {
-        const auto token = xml.readNext();
-        if (token == QXmlStreamReader::StartElement && ++depth == 5 &&
-            xml.qualifiedName() == QLatin1String("Info"))
-            ++tasks;
-        else if (token == QXmlStreamReader::EndElement)
-            --depth;
-    }
-    if (xml.hasError())
-        return std::nullopt;
-    return tasks;
 }
 
 bool syncToDisk(const QString &path, int flags)
