@@ -30,11 +30,18 @@ inline std::uint32_t i(std::uint32_t x, std::uint32_t y, std::uint32_t z)
     return y ^ (x | ~z);
 }
 
+// Little-endian, which compilers turn into one load.
+inline std::uint32_t word(const unsigned char *bytes)
+{
+    return std::uint32_t(bytes[0]) | std::uint32_t(bytes[1]) << 8 | std::uint32_t(bytes[2]) << 16 |
+           std::uint32_t(bytes[3]) << 24;
+}
+
 template <std::uint32_t (*Function)(std::uint32_t, std::uint32_t, std::uint32_t), unsigned Rotation>
 inline void step(std::uint32_t &a, std::uint32_t b, std::uint32_t c, std::uint32_t d,
-                 std::uint32_t word, std::uint32_t constant)
+                 std::uint32_t input, std::uint32_t constant)
 {
-    a += word + constant + Function(b, c, d);
+    a += input + constant + Function(b, c, d);
     a = b + ((a << Rotation) | (a >> (32 - Rotation)));
 }
 
@@ -83,7 +90,8 @@ void CMD5::MD5Final(unsigned char *digest, _MD5_CTX *context)
 void CMD5::MD5Transform(std::uint32_t *state, unsigned char *block)
 {
     std::uint32_t x[16];
-    Decode(x, block, 64);
+    for (std::size_t k = 0; k < 16; ++k)
+        x[k] = word(block + 4 * k);
     std::uint32_t a = state[0];
     std::uint32_t b = state[1];
     std::uint32_t c = state[2];
@@ -176,8 +184,7 @@ void CMD5::Encode(unsigned char *output, std::uint32_t *input, std::uint32_t len
 void CMD5::Decode(std::uint32_t *output, unsigned char *input, std::uint32_t length)
 {
     for (std::uint32_t at = 0; at < length; at += 4) {
-        output[at / 4] = std::uint32_t(input[at]) | std::uint32_t(input[at + 1]) << 8 |
-                         std::uint32_t(input[at + 2]) << 16 | std::uint32_t(input[at + 3]) << 24;
+        output[at / 4] = word(input + at);
     }
 }
 
