@@ -88,7 +88,10 @@ void taskBeside(benchmark::State &state)
     info.strDownloadPath = folder.path();
     info.nThreadNum = 2;
     CDown controller(&info);
-    addTasks(*controller.m_pHistory, int(state.range(0)));
+    {
+        const ControllerLock lock;
+        addTasks(*controller.m_pHistory, int(state.range(0)));
+    }
     const QString address = QStringLiteral("http://host/watch?v=aBcDeF-_123");
     const QString key = CDown::GetURLToMD5(address);
     Profile_Desc profile;

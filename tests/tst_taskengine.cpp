@@ -355,6 +355,9 @@ private slots:
         QTest::newRow("range without being asked")
             << answer("206 Partial Content", "Content-Range: bytes 5-5/9\r\n", "x")
             << Failure::MalformedResponse;
+        QTest::newRow("chunks that break off")
+            << head + "Content-Type: video/mp4\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nab"
+            << Failure::ShortBody;
         QTest::newRow("no TLS") << std::string("no TLS") << Failure::TlsFailed;
         QTest::newRow("nobody there") << std::string("closed") << Failure::ConnectionFailed;
         QTest::newRow("no such host") << std::string("host") << Failure::UnknownHost;
