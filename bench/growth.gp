@@ -6,7 +6,8 @@ set xlabel 'tasks'
 set ylabel 'seconds'
 set format y '10^{%L}'
 set grid
-set key bottom right
+set key top left
+set rmargin 6
 plot for [name in 'controller list load'] '< sort -g '.folder.'/growth-'.name.'.tsv' \
     using 1:2 with linespoints linewidth 2 pointtype 7 \
     title name eq 'controller' ? 'controller, one task' : \

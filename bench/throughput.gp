@@ -4,8 +4,8 @@ set datafile separator '\t'
 set style data histograms
 set style fill solid 0.8 noborder
 set boxwidth 0.9
-set logscale y
 set ylabel 'MB a second'
+set yrange [0:*]
 set grid y
 set key top left
 set xtics rotate by -20 scale 0

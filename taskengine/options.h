@@ -30,7 +30,8 @@
  *
  * Files of a download: the data goes to "NAME.part" beside the target "NAME" (visible, because it
  * may be large and is the user's to delete), and to ".NAME.part-info" what is needed to continue
- * it. Both are gone after success, and for images always. Those of a video stay after a user stop,
+ * it, once the transfer has lasted a quarter of a second: what is killed before that starts anew.
+ * Both are gone after success, and for images always. Those of a video stay after a user stop,
  * `Quit` and every failure but 404, when the site gave its size and a strong validator; a later
  * request with the same key and target then goes on where they end, if the site confirms that it
  * still has the same file. Names that would become too long are shortened.

@@ -48,12 +48,14 @@ private:
         m_site.addMisbehaviour(refuse);
     }
 
-    std::size_t partsWithBytes() const
+    // Files with bytes whose name ends so.
+    std::size_t filesWith(const QString &suffix) const
     {
         std::size_t count = 0;
         for (const char *folder : {".", "out", "dl"}) {
-            for (const QFileInfo &part : QDir(path(folder)).entryInfoList({u"*.part"_s}))
-                count += std::size_t(part.size() > 0);
+            for (const QFileInfo &file :
+                 QDir(path(folder)).entryInfoList({u'*' + suffix}, QDir::Files | QDir::Hidden))
+                count += std::size_t(file.size() > 0);
         }
         return count;
     }
@@ -69,7 +71,8 @@ private:
                    contents(path("data/videodown/history.xml")).count("<DownLoadURL></");
         };
         QTRY_COMPARE_WITH_TIMEOUT(std::size_t(saved()), atWork, int(patience.count()));
-        QTRY_COMPARE_WITH_TIMEOUT(partsWithBytes(), atWork, int(patience.count()));
+        for (const QString &suffix : {u".part"_s, u".part-info"_s})
+            QTRY_COMPARE_WITH_TIMEOUT(filesWith(suffix), atWork, int(patience.count()));
         kill(pid_t(process.processId()), signal);
         QVERIFY(end(process).bySignal);
         endFaults();
