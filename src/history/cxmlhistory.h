@@ -16,8 +16,8 @@ class QDomDocument;
 /**
  * Task records in the order in which they were added. Keys are not unique by construction: look-ups
  * give the first record in list order whose `MD5Code` equals the key exactly. The cost is linear,
- * except for keys that were found a short while ago: where they stood is looked at first. So whoever
- * changes `m_InfoList` or the keys of its records by hand keeps the keys unique.
+ * except for keys that were found a short while ago: where they stood is looked at first. So
+ * whoever changes `m_InfoList` or the keys of its records by hand keeps the keys unique.
  *
  * Ownership: the list owns its records; `removeAll` and the destructor delete them. A record that
  * `remove` took out is the caller's.
