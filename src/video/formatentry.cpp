@@ -79,13 +79,18 @@ void copyToFallback(const tagVideoInfo &src, tagVideoInfo &dst)
     dst.nFallbackHeight = src.nHeight;
 }
 
-void copyVideoStruct(const tagVideoInfo &src, tagVideoInfo &dst)
+void copyMainGroup(const tagVideoInfo &src, tagVideoInfo &dst)
 {
     dst.nFmt = src.nFmt;
     dst.strExt = src.strExt;
     dst.strSize = src.strSize;
     dst.nWidth = src.nWidth;
     dst.nHeight = src.nHeight;
+}
+
+void copyVideoStruct(const tagVideoInfo &src, tagVideoInfo &dst)
+{
+    copyMainGroup(src, dst);
     copyToFallback(src, dst);
 }
 

@@ -26,6 +26,9 @@ std::optional<tagVideoInfo> readFormat(QStringView entry);
 /** The format that a profile asks for; number 0. */
 tagVideoInfo wantedFormat(const Profile_Desc &profile);
 
+/** Copies the main group of `src` except its area into that of `dst`. */
+void copyMainGroup(const tagVideoInfo &src, tagVideoInfo &dst);
+
 /** Copies the main group of `src` except its area into both groups of `dst`. */
 void copyVideoStruct(const tagVideoInfo &src, tagVideoInfo &dst);
 

@@ -60,13 +60,9 @@ bool takeLarger(const Candidates &found, tagVideoInfo &out)
     return found.larger.has_value();
 }
 
-void copyMainGroup(const tagVideoInfo &src, tagVideoInfo &dst)
+void copyWithArea(const tagVideoInfo &src, tagVideoInfo &dst)
 {
-    dst.nFmt = src.nFmt;
-    dst.strExt = src.strExt;
-    dst.strSize = src.strSize;
-    dst.nWidth = src.nWidth;
-    dst.nHeight = src.nHeight;
+    formatentry::copyMainGroup(src, dst);
     dst.nArea = src.nArea;
 }
 
@@ -114,11 +110,11 @@ bool equalOrLarger(const QString &fmtList, const tagVideoInfo &want, tagVideoInf
 {
     const Candidates found = candidates(fmtList, want);
     if (found.exact) {
-        copyMainGroup(*found.exact, out);
+        copyWithArea(*found.exact, out);
         return true;
     }
     if (found.mp4)
-        copyMainGroup(*found.mp4, out);
+        copyWithArea(*found.mp4, out);
     return takeLarger(found, out);
 }
 
