@@ -67,8 +67,8 @@ private:
         begin(process, arguments);
         QVERIFY(m_site.waitForHeld(atWork, patience));
         const auto saved = [this] {
-            return contents(path("data/videodown/history.xml")).count("</DownLoadURL>") -
-                   contents(path("data/videodown/history.xml")).count("<DownLoadURL></");
+            return contents(path("data/videodown/history.xml.journal"))
+                .count("\"DownLoadURL\":\"h");
         };
         QTRY_COMPARE_WITH_TIMEOUT(std::size_t(saved()), atWork, int(patience.count()));
         for (const QString &suffix : {u".part"_s, u".part-info"_s})

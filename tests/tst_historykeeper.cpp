@@ -1,4 +1,5 @@
 #include "driver/historykeeper.h"
+#include "driver/taskstate.h"
 
 #include <QDir>
 #include <QProcess>
@@ -13,6 +14,8 @@
 
 #include <sys/resource.h>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 QByteArray contentOf(const QString &path)
@@ -21,13 +24,39 @@ QByteArray contentOf(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-void addTask(CDown &controller, const QString &title)
+QString keyOf(const QString &title)
+{
+    return CDown::GetURLToMD5(title);
+}
+
+CXMLInfo *taskOf(CDown &controller, const QString &title)
+{
+    return controller.getXMLInfo(keyOf(title));
+}
+
+CXMLInfo *addTask(CDown &controller, const QString &title, TaskState state = TaskState::None)
 {
     const ControllerLock lock;
     CXMLInfo *task = controller.m_pHistory->Add(nullptr);
-    task->MD5Code = CDown::GetURLToMD5(title);
+    task->MD5Code = keyOf(title);
     task->Title = title;
+    task->State = int(state);
+    return task;
 }
+
+// What a full disk does to files that grow beyond 64 KiB.
+struct FullDisk
+{
+    FullDisk()
+    {
+        getrlimit(RLIMIT_FSIZE, &old);
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit small = {65536, old.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &small);
+    }
+    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &old); }
+    rlimit old{};
+};
 
 // The child of `survivesKilling`: each save has one task more, and is told once it is done.
 int saveContinuously(const QString &path)
@@ -49,7 +78,21 @@ int saveContinuously(const QString &path)
 // A controller with its keeper, as an application has them.
 struct Application
 {
-    explicit Application(const QString &path) : keeper(controller, path), problem(keeper.open()) {}
+    explicit Application(const QString &path)
+        : keeper(controller, path,
+                 [](const QString &file) {
+                     return QStringList{file + u".part"_s, file + u".part-info"_s};
+                 }),
+          problem(keeper.open())
+    {
+    }
+    bool commit(const QStringList &titles)
+    {
+        QStringList keys;
+        for (const QString &title : titles)
+            keys << keyOf(title);
+        return keeper.commit(keys);
+    }
     CDown controller{nullptr};
     HistoryKeeper keeper;
     QString problem;
@@ -76,7 +119,7 @@ private slots:
             addTask(first.controller, QStringLiteral("one"));
             QCOMPARE(first.keeper.save(), QString());
             addTask(first.controller, QStringLiteral("two"));
-            first.keeper.noteChange(); // saved by the destructor at the latest
+            first.commit({QStringLiteral("two")}); // saved by the destructor
         }
         Application second(m_path);
         QCOMPARE(second.controller.count(), 2);
@@ -85,16 +128,268 @@ private slots:
         QVERIFY(!QFile::exists(m_path + QLatin1String(".new")));
     }
 
-    void changesAreSavedTogether()
+    // What a sudden end leaves: history and journal as they are, and nobody who saves.
+    void journalCarriesWhatTheHistoryLacks()
+    {
+        {
+            Application first(m_path);
+            addTask(first.controller, u"one"_s);
+            QCOMPARE(first.keeper.save(), QString());
+            addTask(first.controller, u"two \U0001f386\n\"<&"_s, TaskState::Running);
+            QVERIFY(first.commit({u"two \U0001f386\n\"<&"_s}));
+            taskOf(first.controller, u"one"_s)->Profile->m_pDesc->vFps = 25;
+            taskOf(first.controller, u"one"_s)->Progress = 7;
+            QVERIFY(first.commit({u"one"_s}));
+            first.keeper.noteSize(keyOf(u"two \U0001f386\n\"<&"_s), 5000000000);
+            QVERIFY(!contentOf(m_path).contains("two"));
+            takeAway();
+        }
+        Application second(m_path);
+        QCOMPARE(second.problem + second.keeper.setAsidePath() + second.keeper.setAsideJournal(),
+                 QString());
+        QCOMPARE(second.controller.count(), 2);
+        QCOMPARE(taskOf(second.controller, u"one"_s)->Profile->m_pDesc->vFps, 25);
+        QCOMPARE(taskOf(second.controller, u"one"_s)->Progress, 7);
+        const CXMLInfo *two = second.controller.m_pHistory->item(1);
+        QCOMPARE(two->Title, u"two \U0001f386\n\"<&"_s);
+        QCOMPARE(two->FileSize, 5000000000);
+        QCOMPARE(second.keeper.save(), QString());
+        QVERIFY(!QFile::exists(journal()));
+        QCOMPARE(contentOf(m_path).count("<Info>"), 2);
+    }
+
+    // Cut anywhere, and with any line doubled, it gives what the whole lines before say.
+    void damagedJournals()
+    {
+        {
+            Application first(m_path);
+            for (int progress = 1; progress <= 4; ++progress) {
+                if (progress == 1)
+                    addTask(first.controller, u"one"_s, TaskState::Running);
+                taskOf(first.controller, u"one"_s)->Progress = progress;
+                QVERIFY(first.commit({u"one"_s}));
+            }
+            takeAway();
+        }
+        const QByteArray whole = contentOf(journal());
+        const QList<QByteArray> lines = whole.split('\n'); // head, four changes, an empty one
+        QCOMPARE(lines.size(), 6);
+        const auto progressWith = [this](const QByteArray &bytes) {
+            QFile::remove(m_path);
+            write(journal(), bytes);
+            Application after(m_path);
+            const bool none = after.controller.count() == 0;
+            const int progress = none ? 0 : taskOf(after.controller, u"one"_s)->Progress;
+            // What comes later goes behind the damage.
+            addTask(after.controller, u"later"_s, TaskState::Running);
+            return after.problem.isEmpty() && after.commit({u"later"_s}) ? progress : -1;
+        };
+        for (qsizetype size = 0; size<whole.size(); size += size> 100 ? 53 : 7)
+            QCOMPARE(progressWith(whole.left(size)),
+                     qMax(0, int(whole.left(size).count('\n')) - 1));
+        QByteArray doubled = whole;
+        for (const QByteArray &line : lines.mid(0, 5))
+            doubled += line + '\n';
+        QCOMPARE(progressWith(doubled), 4);
+        QByteArray spoiled = whole;
+        spoiled[spoiled.indexOf("\"Progress\":\"2\"") + 12] = '9';
+        QCOMPARE(progressWith(spoiled), 4);
+        QCOMPARE(progressWith(QByteArray(5000, 'x')), 0);
+        for (int line = 0; line < 100000; ++line)
+            doubled += lines.at(1) + '\n';
+        QCOMPARE(progressWith(doubled), 4);
+    }
+
+    void journalKnowsItsHistory_data()
+    {
+        QTest::addColumn<QByteArray>("history");
+        QTest::addColumn<bool>("replays");
+        const QByteArray root = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                                "<DownloadInfos_History/>\n";
+        QTest::newRow("its own") << QByteArray("same") << true;
+        QTest::newRow("the next one") << QByteArray("next") << false;
+        QTest::newRow("another one") << root << false;
+        QTest::newRow("none") << QByteArray() << false;
+        QTest::newRow("its own, damaged") << QByteArray("<DownloadInfos_History>") << true;
+    }
+
+    void journalKnowsItsHistory()
+    {
+        QFETCH(QByteArray, history);
+        QFETCH(bool, replays);
+        QByteArray before;
+        QByteArray next;
+        QByteArray lines;
+        {
+            Application first(m_path);
+            addTask(first.controller, u"one"_s);
+            QCOMPARE(first.keeper.save(), QString());
+            before = contentOf(m_path);
+            taskOf(first.controller, u"one"_s)->Progress = 7;
+            QVERIFY(first.commit({u"one"_s}));
+            // An end between the rename of a save and the removal of the journal.
+            Journal copy(journal());
+            QList<QJsonObject> entries;
+            QCOMPARE(copy.open(Journal::digestOf(m_path), entries), Journal::Found::Entries);
+            first.controller.SaveToFile(m_folder->filePath(u"next"_s));
+            next = contentOf(m_folder->filePath(u"next"_s));
+            QVERIFY(copy.announce(Journal::digestOf(m_folder->filePath(u"next"_s))));
+            lines = contentOf(journal());
+        }
+        QFile::remove(m_path);
+        if (!history.isEmpty())
+            write(m_path, history == "same" ? before : history == "next" ? next : history);
+        write(journal(), lines);
+        Application after(m_path);
+        const bool isKnown = replays || history == "next";
+        QCOMPARE(after.keeper.setAsideJournal().isEmpty(), isKnown);
+        QVERIFY(isKnown || contentOf(after.keeper.setAsideJournal()) == lines);
+        QCOMPARE(after.controller.count() == 1 && taskOf(after.controller, u"one"_s)->Progress == 7,
+                 isKnown);
+    }
+
+    void leftoversAreTakenAway_data()
+    {
+        QTest::addColumn<TaskState>("state");
+        QTest::addColumn<QStringList>("stay"); // of all the files below
+        const QStringList parts{u"video.mp4.part"_s, u"video.mp4.part-info"_s};
+        QTest::newRow("interrupted") << TaskState::Running << parts;
+        QTest::newRow("finished") << TaskState::Finished
+                                  << QStringList{u"copy.mp4"_s, u"video.mp4"_s} + parts;
+    }
+
+    void leftoversAreTakenAway()
+    {
+        QFETCH(TaskState, state);
+        QFETCH(QStringList, stay);
+        {
+            Application first(m_path);
+            CXMLInfo *task = addTask(first.controller, u"one"_s, TaskState::Running);
+            task->IsOrgVideo = 1;
+            task->FileName = file(u"video.mp4"_s);
+            task->SaveAsFileName = file(u"copy.mp4"_s);
+            task->ImagePath = file(u"image.jpg"_s);
+            QVERIFY(first.commit({u"one"_s}));
+            QCOMPARE(first.keeper.save(), QString()); // what is at work is remembered over a save
+            task->State = int(state);
+            QVERIFY(first.commit({u"one"_s}));
+            takeAway();
+        }
+        for (const QString &name : {u"video.mp4"_s, u"copy.mp4"_s, u"image.jpg"_s})
+            write(file(name), "");
+        for (const QString &name : {u"video.mp4"_s, u"image.jpg"_s}) {
+            write(file(name + u".part"_s), "part");
+            write(file(name + u".part-info"_s), "facts");
+        }
+        Application after(m_path);
+        stay.sort();
+        QCOMPARE(
+            QDir(m_folder->path()).entryList({u"*.mp4*"_s, u"*.jpg*"_s}, QDir::Files, QDir::Name),
+            stay);
+    }
+
+    void interruptedUpgradeIsUndone_data()
+    {
+        QTest::addColumn<QByteArray>("present"); // where the old video was
+        QTest::addColumn<QByteArray>("becomes");
+        QTest::newRow("not begun") << QByteArray("-") << QByteArray("old");
+        QTest::newRow("begun") << QByteArray() << QByteArray("old");
+        QTest::newRow("complete") << QByteArray("larger") << QByteArray("old");
+        QTest::newRow("somebody's")
+            << QByteArray("theirs, not ours") << QByteArray("theirs, not ours");
+    }
+
+    void interruptedUpgradeIsUndone()
+    {
+        QFETCH(QByteArray, present);
+        QFETCH(QByteArray, becomes);
+        {
+            Application first(m_path);
+            CXMLInfo *task = addTask(first.controller, u"one"_s, TaskState::Finished);
+            task->FileSize = 3;
+            QVERIFY(first.commit({u"one"_s}));
+            UpgradeFiles files;
+            files.old = {{file(u"video.mp4"_s), file(u"video.mp4.former"_s)}};
+            QVERIFY(first.keeper.beginUpgrade(keyOf(u"one"_s), files));
+            files.fresh = {file(u"video.mp4"_s)};
+            QVERIFY(first.keeper.beginUpgrade(keyOf(u"one"_s), files));
+            first.keeper.noteSize(keyOf(u"one"_s), 6);
+            task->State = int(TaskState::Running);
+            QVERIFY(first.commit({u"one"_s}));
+            takeAway();
+        }
+        write(file(u"video.mp4.former"_s), "old");
+        if (present != "-")
+            write(file(u"video.mp4"_s), present);
+        write(file(u"video.mp4.part"_s), "part");
+        Application after(m_path);
+        QCOMPARE(contentOf(file(u"video.mp4"_s)), becomes);
+        QCOMPARE(QFile::exists(file(u"video.mp4.former"_s)), becomes != "old");
+        QVERIFY(!QFile::exists(file(u"video.mp4.part"_s)));
+        QCOMPARE(taskOf(after.controller, u"one"_s)->FileSize, 3);
+        QCOMPARE(taskOf(after.controller, u"one"_s)->State, int(TaskState::Finished));
+    }
+
+    void longJournalBecomesHistory()
     {
         Application application(m_path);
-        for (int i = 0; i < 50; ++i) {
-            addTask(application.controller, QString::number(i));
-            application.keeper.noteChange();
+        addTask(application.controller, u"one"_s, TaskState::Running);
+        for (int change = 0; change < 12; ++change) {
+            taskOf(application.controller, u"one"_s)->fmt_list =
+                QString(100000, QChar(u'a' + change));
+            QVERIFY(application.commit({u"one"_s}));
         }
-        QVERIFY(!QFile::exists(m_path));
-        QTRY_COMPARE_WITH_TIMEOUT(contentOf(m_path).count("<Info>"), 50, 30000);
-        QVERIFY(!QFile::exists(m_path + QLatin1String(".previous")));
+        QVERIFY(contentOf(m_path).contains("<Info>"));
+        QVERIFY(contentOf(journal()).size() < 1000000);
+    }
+
+    // What cannot be written now is written with the next change.
+    void failedCommitIsToldAndRepeated()
+    {
+        int told = 0;
+        {
+            Application application(m_path);
+            connect(&application.keeper, &HistoryKeeper::saveFailed, [&told] { ++told; });
+            addTask(application.controller, u"one"_s, TaskState::Running);
+            QVERIFY(application.commit({u"one"_s}));
+            addTask(application.controller, QString(100000, u'x'), TaskState::Running);
+            const FullDisk full;
+            QVERIFY(!application.commit({QString(100000, u'x')}));
+            QVERIFY(!application.commit({u"one"_s}));
+            QCOMPARE(told, 1);
+        }
+        {
+            Application application(m_path);
+            QCOMPARE(application.controller.count(),
+                     2); // saved at the end, with the disk free again
+            addTask(application.controller, QString(100000, u'y'), TaskState::Running);
+            {
+                const FullDisk full;
+                QVERIFY(!application.commit({QString(100000, u'y')}));
+            }
+            QVERIFY(application.commit({}));
+            takeAway();
+        }
+        QCOMPARE(Application(m_path).controller.count(), 3);
+    }
+
+    void locks()
+    {
+        const QString lock = m_path + u".lock"_s;
+        QVERIFY(QDir(m_folder->path()).mkdir(u"data"_s));
+        write(lock, ""); // of a program that ended between making and writing it
+        {
+            Application application(m_path);
+            QCOMPARE(application.problem, QString());
+            // That of a living program stays, however old.
+            QFile file(lock);
+            QVERIFY(file.open(QIODevice::ReadWrite));
+            QVERIFY(file.setFileTime(QDateTime(QDate(2001, 1, 1), QTime(0, 0)),
+                                     QFileDevice::FileModificationTime));
+            QVERIFY(Application(m_path).problem.contains(u"is in use by"_s));
+        }
+        QVERIFY(QDir(m_folder->path()).mkpath(lock + u"/x"_s));
+        QVERIFY(Application(m_path).problem.contains(u"in the way"_s));
     }
 
     void damagedFileIsSetAside()
@@ -143,15 +438,11 @@ private slots:
         const QByteArray before = contentOf(m_path);
         addTask(application.controller, QString(100000, u'x'));
 
-        // What a full disk does to a file in the middle of its writing.
-        rlimit old = {};
-        getrlimit(RLIMIT_FSIZE, &old);
-        std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit small = {65536, old.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &small);
-        const QString problem = application.keeper.save();
-        setrlimit(RLIMIT_FSIZE, &old);
-
+        QString problem;
+        {
+            const FullDisk full;
+            problem = application.keeper.save();
+        }
         QVERIFY(problem.contains(QStringLiteral("the disk may be full")));
         QCOMPARE(contentOf(m_path), before);
         QVERIFY(!QFile::exists(m_path + QLatin1String(".new")));
@@ -182,6 +473,25 @@ private slots:
     }
 
 private:
+    QString journal() const { return m_path + u".journal"_s; }
+    QString file(const QString &name) const { return m_folder->filePath(name); }
+
+    static void write(const QString &path, const QByteArray &bytes)
+    {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QCOMPARE(file.write(bytes), bytes.size());
+    }
+
+    // The folder is another one now: whoever saves at his end, saves to nowhere.
+    void takeAway()
+    {
+        const QString folder = QFileInfo(m_path).path();
+        QVERIFY(QDir().rename(folder, folder + u"-taken"_s));
+        m_path = folder + u"-taken/history.xml"_s;
+        QFile::remove(m_path + u".lock"_s);
+    }
+
     std::unique_ptr<QTemporaryDir> m_folder;
     QString m_path;
 };

@@ -31,6 +31,7 @@ DownloadDriver::Settings settingsFor(const CommandLine &line, const QString &dow
     settings.videoLimit = line.jobs;
     settings.thumbnails = line.thumbnails;
     settings.proxy = line.proxy;
+    settings.unfinishedFiles = stored::unfinishedFiles;
     settings.failureText = [](double code) {
         return QString::fromStdString(taskengine::failureText(code));
     };
@@ -54,7 +55,10 @@ Session::Session(const CommandLine &line, const QString &downloadFolder)
     followConversions();
 }
 
-Session::~Session() = default;
+Session::~Session()
+{
+    m_driver.setKeeper(nullptr);
+}
 
 void Session::follow()
 {
@@ -83,7 +87,8 @@ void Session::followConversions()
             [this](const DownloadProgress &progress) { m_view->progressed(progress); });
     connect(&m_converter, &Converter::ended, this, [this](const DownloadResult &result) {
         conversions::note(m_driver.controller(), result);
-        m_keeper->noteChange();
+        m_keeper->commit({result.key});
+        m_keeper->settle(result.key);
         count(result);
         emit settled(result);
     });
@@ -95,7 +100,7 @@ void Session::settle(DownloadResult result)
         const auto conversion = conversions::pending(m_driver.controller(), result, m_line.profile);
         if (conversion && m_status.signal == 0) {
             m_view->ended(result.key);
-            m_keeper->noteChange();
+            m_keeper->commit({result.key});
             m_converter.add(*conversion);
             return;
         }
@@ -118,13 +123,15 @@ bool Session::canConvert()
 
 bool Session::openHistory()
 {
-    m_keeper = std::make_unique<HistoryKeeper>(m_driver.controller(), stored::pathFor(m_line));
+    m_keeper = std::make_unique<HistoryKeeper>(m_driver.controller(), stored::pathFor(m_line),
+                                               stored::unfinishedFiles);
     connect(m_keeper.get(), &HistoryKeeper::saveFailed, this, [this](const QString &reason) {
         m_view->say(QStringLiteral("videodown: the history cannot be saved: ") + reason);
     });
-    connect(&m_driver, &DownloadDriver::recordsChanged, m_keeper.get(), &HistoryKeeper::noteChange);
-    connect(m_keeper.get(), &HistoryKeeper::gathered, this, &Session::writeResults);
-    return stored::open(*m_keeper);
+    if (!stored::open(*m_keeper))
+        return false;
+    m_driver.setKeeper(m_keeper.get());
+    return true;
 }
 
 ExitStatus Session::run(const QList<DownloadRequest> &requests)
@@ -133,8 +140,6 @@ ExitStatus Session::run(const QList<DownloadRequest> &requests)
         return m_status;
     for (const DownloadRequest &request : requests)
         m_driver.add(request);
-    if (m_keeper)
-        m_keeper->save(); // before any of it begins; what fails is told by later saves
     QEventLoop loop;
     const auto quitWhenDone = [&] {
         if (m_driver.isIdle() && m_converter.isIdle())
@@ -144,7 +149,6 @@ ExitStatus Session::run(const QList<DownloadRequest> &requests)
     connect(&m_converter, &Converter::idle, &loop, quitWhenDone);
     loop.exec();
     const bool saved = !m_keeper || stored::save(*m_keeper);
-    writeResults();
     if (!m_line.quiet && m_line.command != Command::Formats)
         tellSummary();
     if (m_failed + m_stopped > 0 || m_outputBroken || !saved)
@@ -220,23 +224,10 @@ QString Session::nameOf(const DownloadResult &result)
     return result.title.isEmpty() ? address : QStringLiteral("%1 (%2)").arg(result.title, address);
 }
 
-// Nobody may act upon a result that a sudden end of the program could make undone.
 void Session::deliver(const QByteArray &result)
 {
-    m_results += result;
-    if (m_keeper)
-        m_keeper->noteChange();
-    else
-        writeResults();
-}
-
-void Session::writeResults()
-{
-    const QByteArray results = std::exchange(m_results, {});
-    if (results.isEmpty())
-        return;
     int error = 0;
-    const auto write = [&] { error = standardstreams::writeOutput(results); };
+    const auto write = [&] { error = standardstreams::writeOutput(result); };
     if (standardstreams::outputIsTerminal())
         m_view->uncovered(write);
     else

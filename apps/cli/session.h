@@ -31,8 +31,9 @@ public:
     ExitStatus run(const QList<DownloadRequest> &requests);
 
     /**
-     * Writes a result, line end included, to standard output as soon as the history has it. Broken
-     * output ends the run.
+     * Writes a result, line end included, to standard output. The history has it by then: nobody
+     * may act upon a result that a sudden end of the program could make undone. Broken output ends
+     * the run.
      */
     void deliver(const QByteArray &result);
 
@@ -54,7 +55,6 @@ private:
     void tellFailure(const DownloadResult &result);
     void tellFinding(const DownloadResult &result);
     void tellSummary();
-    void writeResults();
     void interrupt(int number);
 
     const CommandLine m_line;
@@ -67,7 +67,6 @@ private:
     int m_finished = 0;
     int m_failed = 0;
     int m_stopped = 0;
-    QByteArray m_results; // not written yet
     bool m_outputBroken = false;
 };
 

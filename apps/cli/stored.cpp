@@ -2,7 +2,9 @@
 
 #include "driver/taskrecord.h"
 #include "standardstreams.h"
+#include "taskengine/unfinishedfiles.h"
 
+#include <QFile>
 #include <QStandardPaths>
 
 namespace stored {
@@ -43,6 +45,12 @@ QString keyNamed(CDown &controller, const QString &name)
 
 } // namespace
 
+QStringList unfinishedFiles(const QString &path)
+{
+    const auto files = taskengine::unfinishedFiles(QFile::encodeName(path).toStdString());
+    return {QFile::decodeName(files.part.c_str()), QFile::decodeName(files.facts.c_str())};
+}
+
 QString pathFor(const CommandLine &line)
 {
     if (!line.historyFile.isEmpty())
@@ -60,6 +68,10 @@ bool open(HistoryKeeper &keeper)
         tell(QStringLiteral("the history was damaged; what could be read of it goes on, and the "
                             "damaged file is kept as %1")
                  .arg(keeper.setAsidePath()));
+    if (!keeper.setAsideJournal().isEmpty())
+        tell(QStringLiteral("the journal beside the history belongs to another history; it is kept "
+                            "as %1")
+                 .arg(keeper.setAsideJournal()));
     return problem.isEmpty();
 }
 
@@ -110,7 +122,8 @@ QString titleOf(const CXMLInfo &record)
     return record.Title.isEmpty() ? record.OrgWebSite : record.Title;
 }
 
-History::History(const CommandLine &line) : controller(nullptr), keeper(controller, pathFor(line))
+History::History(const CommandLine &line)
+    : controller(nullptr), keeper(controller, pathFor(line), unfinishedFiles)
 {
 }
 

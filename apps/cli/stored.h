@@ -9,6 +9,9 @@
 
 namespace stored {
 
+/** Which files the engine leaves of an unfinished download to `path`. Thread-safe. */
+QStringList unfinishedFiles(const QString &path);
+
 /** The history file of a command. */
 QString pathFor(const CommandLine &line);
 

@@ -1,6 +1,7 @@
 #include "driver/downloaddriver.h"
 
 #include "driver/addresscheck.h"
+#include "driver/historykeeper.h"
 
 #include <utility>
 
@@ -37,6 +38,7 @@ DownloadDriver::DownloadDriver(Settings settings, QObject *parent)
 
 DownloadDriver::~DownloadDriver()
 {
+    m_copiers.waitForDone();
     for (const QString &key : std::as_const(m_parsing))
         m_controller->StopAll(key);
     for (const QString &key : std::as_const(m_videos))
@@ -46,11 +48,20 @@ DownloadDriver::~DownloadDriver()
     CDown::Quit();
     CDown::DownUninit();
     for (auto task = m_tasks.begin(); task != m_tasks.end(); ++task) {
-        releaseCopy(*task);
+        releaseName(*task);
         DownloadResult stopped;
         stopped.outcome = DownloadOutcome::Stopped;
         endUpgrade(task.key(), *task, stopped);
     }
+}
+
+void DownloadDriver::setKeeper(HistoryKeeper *keeper)
+{
+    m_keeper = keeper;
+    m_mailbox.setSizeListener(keeper == nullptr ? EngineMailbox::SizeListener()
+                                                : [keeper](const QString &key, qint64 bytes) {
+                                                      keeper->noteSize(key, bytes);
+                                                  });
 }
 
 QString DownloadDriver::add(const DownloadRequest &request)
@@ -68,8 +79,8 @@ QString DownloadDriver::add(const DownloadRequest &request)
     m_tasks.insert(key, task);
     if (addressProblem(request.address))
         m_unfit.append(key);
-    else
-        (enlist(key, task.request) ? m_waiting : m_present).append(key);
+    else if (enlist(key, task.request))
+        m_waiting.append(key);
     m_busy = true;
     wake();
     return key;
@@ -127,8 +138,29 @@ void DownloadDriver::turn()
         endFailed(key, *addressProblem(m_tasks.value(key).request.address));
     for (const QString &key : std::exchange(m_present, {}))
         endPresent(key);
-    handOver();
+    work();
     emitAll();
+}
+
+// Nothing begins, and nothing is told, before it is on disk.
+void DownloadDriver::work()
+{
+    do {
+        nameVideos();
+        commit();
+        handOver();
+    } while (hasVideoSlot() && !m_ready.isEmpty()); // one was refused, or lost its name
+    commit();
+}
+
+void DownloadDriver::commit()
+{
+    const QSet<QString> changed = std::exchange(m_changed, {});
+    if (m_keeper == nullptr || changed.isEmpty())
+        return;
+    m_keeper->commit(changed.values());
+    for (const QString &key : changed)
+        settleIfAtRest(key);
 }
 
 void DownloadDriver::tell(std::function<void()> signal)
@@ -138,8 +170,6 @@ void DownloadDriver::tell(std::function<void()> signal)
 
 void DownloadDriver::emitAll()
 {
-    if (std::exchange(m_recordsChanged, false))
-        emit recordsChanged();
     for (const QString &key : QSet<QString>(m_progressed))
         tellProgress(key);
     for (const auto &signal : std::exchange(m_signals, {}))

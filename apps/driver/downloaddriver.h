@@ -7,16 +7,20 @@
 #include "driver/enginemailbox.h"
 #include "driver/outputname.h"
 #include "driver/taskstate.h"
+#include "driver/upgrade.h"
 
 #include <QHash>
 #include <QObject>
 #include <QSet>
 #include <QStringList>
+#include <QThreadPool>
 
 #include <atomic>
 #include <functional>
 #include <memory>
 #include <optional>
+
+class HistoryKeeper;
 
 /**
  * Hands tasks to a controller of its own, no more at once than it has slots for, and follows each
@@ -51,12 +55,21 @@ public:
          * them under the same file name.
          */
         std::function<bool(double)> hasExpired;
+        /** The files that the engine leaves of an unfinished download; may be empty. */
+        UnfinishedFiles unfinishedFiles;
     };
 
     /** Makes the controller and initialises the engine. */
     explicit DownloadDriver(Settings settings, QObject *parent = nullptr);
     /** Stops what still runs, without any signal, shuts the engine down and ends the controller. */
     ~DownloadDriver() override;
+
+    /**
+     * Has everything on disk before it happens, from now on: a task before it begins, a file's name
+     * before it is taken, a result before it is told. @param keeper of this driver's controller;
+     * null ends that, and must come before the keeper is destroyed
+     */
+    void setKeeper(HistoryKeeper *keeper);
 
     /**
      * Takes a task on. A task with the same key that has not ended is that task: nothing is added.
@@ -80,8 +93,6 @@ public:
     CDown &controller();
 
 signals:
-    /** Records have changed, by state or by file name: time to save them. */
-    void recordsChanged();
     /** The task's page is being parsed. */
     void started(const QString &key);
     /** The site's answer is in the task's record; `title` is the site's. */
@@ -96,25 +107,16 @@ signals:
     void idle();
 
 private:
-    // What an upgrade that comes to nothing gives back.
-    struct Former
-    {
-        Profile_Desc profile;
-        int keepsSource = 0;
-        PictureSize picture;
-        QString extension, fileName, baseName, title, copyName, copyExtension;
-        qint64 size = 0;
-        QString keptFile; // the old video while the new one is fetched; empty before that
-    };
     struct Task
     {
         DownloadRequest request;
         DownloadProgress progress;
         bool stopping = false;
         bool diskFull = false;
-        bool refreshed = false;       // has asked for new addresses
-        QString reservedCopy;         // see OutputName
-        std::optional<Former> former; // of an upgrade that has begun
+        bool refreshed = false;         // has asked for new addresses
+        bool byProfile = true;          // how the library is to choose the format
+        std::optional<OutputName> name; // chosen, and perhaps reserved
+        std::optional<Upgrade> upgrade; // one that has begun
         Finding finding = Finding::Downloaded;
     };
     struct Sent
@@ -126,34 +128,45 @@ private:
     // One turn: events in, work out, signals.
     void wake();
     Q_INVOKABLE void turn();
+    void work();
+    void commit();
     void emitAll();
     void tell(std::function<void()> signal);
 
     // Handing over (handover.cpp)
+    void nameVideos();
     void handOver();
     bool handOverOne();
     bool hasSharedSlot() const;
+    bool hasVideoSlot() const;
     Sent watched(const QString &key, const std::function<int()> &send);
     Sent watchedIn(const QString &folder, const QString &key, const std::function<int()> &send);
     void sendParse(const QString &key);
     void sendVideo(const QString &key);
-    bool prepareVideo(const QString &key);
-    bool nameVideo(const QString &key, const OutputPlace &place);
     void sendThumbnail(const QString &key);
     FailureReason refusal(const QString &key);
+
+    // Naming (naming.cpp)
+    bool nameVideo(const QString &key);
+    std::optional<OutputPlace> placeFor(const QString &key, PictureSize &offer);
+    void recordName(const QString &key, const OutputName &name);
+    bool nameIsClaimed(const CXMLInfo &record);
+    void releaseName(Task &task);
 
     // The tasks' records (records.cpp)
     bool enlist(const QString &key, const DownloadRequest &request);
     int requestParse(const QString &key, DownloadRequest request);
     void setState(const QString &key, TaskState state);
     void noteEnd(const QString &key, const Task &task, DownloadOutcome outcome);
-    bool nameIsClaimed(const CXMLInfo &record);
-    static void releaseCopy(Task &task);
+    void copyAgain(const QString &key);
     void endPresent(const QString &key);
+    void settleIfAtRest(const QString &key);
 
-    // Larger pictures (upgrade.cpp)
+    // Larger pictures (upgraderun.cpp)
     int requestUpgrade(const QString &key, Task &task, Profile_Desc profile);
-    bool confirmUpgrade(const QString &key, Task &task, const PictureSize &offer);
+    bool confirmUpgrade(const QString &key, const PictureSize &offer);
+    bool setAsideForUpgrade(const QString &key, Upgrade &upgrade);
+    void noteUpgradeNames(const QString &key, const Task &task);
     void endUpgrade(const QString &key, Task &task, DownloadResult &result);
 
     // Events and ends (engineevents.cpp)
@@ -182,15 +195,19 @@ private:
     QStringList m_unfit;                    // to be failed in the next turn
     QStringList m_present;                  // to be finished in the next turn: the file is there
     QStringList m_waiting;                  // to be parsed
-    QStringList m_ready;                    // parsed; to be downloaded
+    QStringList m_ready;                    // parsed; to be named
+    QStringList m_named;                    // to be downloaded once the name is on disk
     QStringList m_thumbnailsToGet;          // task keys
     QSet<QString> m_parsing;                // at the engine
     QSet<QString> m_videos;                 // at the engine
     QSet<QString> m_thumbnails;             // at the engine; task keys, some of ended tasks
+    QSet<QString> m_copying;                // complete, but for a copy that is being made
     QSet<QString> m_progressed;             // whose progress is to be told
     QList<std::function<void()>> m_signals; // to be emitted at the turn's end
-    bool m_recordsChanged = false;          // to be told at the turn's end
-    bool m_busy = false;                    // idle() is due when nothing is left
+    QSet<QString> m_changed;                // tasks whose records are to be committed
+    HistoryKeeper *m_keeper = nullptr;
+    bool m_busy = false; // idle() is due when nothing is left
+    QThreadPool m_copiers;
 };
 
 #endif

@@ -54,12 +54,17 @@ void DownloadDriver::handle(const EngineEvent &event)
         handleParse(taskKey, event);
     else if (m_videos.contains(taskKey))
         handleVideo(taskKey, *task, event);
+    else if (m_copying.remove(taskKey))
+        finished(taskKey);
 }
 
 void DownloadDriver::handleThumbnail(const EngineEvent &event)
 {
-    if (event.isEnd())
-        m_thumbnails.remove(event.key.left(taskKeyLength));
+    if (!event.isEnd())
+        return;
+    const QString key = event.key.left(taskKeyLength);
+    m_thumbnails.remove(key);
+    settleIfAtRest(key);
 }
 
 void DownloadDriver::handleParse(const QString &key, const EngineEvent &event)
@@ -117,8 +122,6 @@ void DownloadDriver::noteProgress(Task &task, const EngineEvent &event)
     else if (event.code != DOWN_STATE_START_DOWNLOAD)
         return;
     m_progressed.insert(task.progress.key);
-    // The size in the record tells later whether the file is complete.
-    m_recordsChanged = m_recordsChanged || event.code == DOWN_STATE_FILE_SIZE;
 }
 
 void DownloadDriver::tellProgress(const QString &key)
@@ -130,24 +133,30 @@ void DownloadDriver::tellProgress(const QString &key)
 void DownloadDriver::parsed(const QString &key)
 {
     Task &task = m_tasks[key];
-    const ControllerLock lock;
-    const CXMLInfo *record = m_controller->getXMLInfo(key);
-    if (record == nullptr) {
-        endFailed(key, refusal(key));
-        return;
+    std::optional<FailureReason> failure;
+    bool hasThumbnail = false;
+    {
+        const ControllerLock lock;
+        const CXMLInfo *record = m_controller->getXMLInfo(key);
+        if (record == nullptr) {
+            failure = refusal(key);
+        } else {
+            task.progress.title = record->Title;
+            hasThumbnail = !record->ImageURL.isEmpty();
+            if (formatchoice::offered(record->fmt_list, record->fmt_stream_map).isEmpty())
+                failure = nothingOffered(record->VideoInfoText);
+        }
     }
-    const QString title = record->Title;
-    task.progress.title = title;
-    tell([this, key, title] { emit described(key, title); });
-    if (formatchoice::offered(record->fmt_list, record->fmt_stream_map).isEmpty()) {
-        endFailed(key, nothingOffered(record->VideoInfoText));
+    tell([this, key, title = task.progress.title] { emit described(key, title); });
+    if (failure) {
+        endFailed(key, *failure);
     } else if (task.request.inspectOnly) {
         DownloadResult result;
         result.outcome = DownloadOutcome::Finished;
         end(key, result);
     } else {
         // An upgrade replaces the thumbnail too, but only once it is sure.
-        if (m_settings.thumbnails && !record->ImageURL.isEmpty() && !task.former && !task.refreshed)
+        if (m_settings.thumbnails && hasThumbnail && !task.upgrade && !task.refreshed)
             m_thumbnailsToGet.append(key);
         m_ready.append(key);
     }
@@ -178,7 +187,7 @@ bool DownloadDriver::refresh(const QString &key, Task &task, double code)
     if (task.refreshed || !m_settings.hasExpired || !m_settings.hasExpired(code))
         return false;
     task.refreshed = true;
-    releaseCopy(task);
+    releaseName(task);
     m_waiting.prepend(key);
     return true;
 }
@@ -233,7 +242,7 @@ void DownloadDriver::end(const QString &key, DownloadResult result)
     result.address = task.request.address;
     result.title = task.progress.title;
     if (result.outcome != DownloadOutcome::Finished) {
-        releaseCopy(task);
+        releaseName(task);
         dropThumbnail(key);
     }
     noteEnd(key, task, result.outcome);

@@ -22,7 +22,10 @@ EngineMailbox::EngineMailbox(std::function<void()> wake) : m_wake(std::move(wake
 int EngineMailbox::onState(void *user, const char *key, tagDownloadStateCode code, double value,
                            FILE_TYPE /*type*/)
 {
-    static_cast<EngineMailbox *>(user)->post(key, code, value);
+    auto &mailbox = *static_cast<EngineMailbox *>(user);
+    if (code == DOWN_STATE_FILE_SIZE)
+        mailbox.tellSize(key, value);
+    mailbox.post(key, code, value);
     return 0;
 }
 
@@ -31,6 +34,19 @@ int EngineMailbox::onVideoInfo(void *user, const char *key, tagDownloadStateCode
 {
     static_cast<EngineMailbox *>(user)->post(key, code, 0);
     return 0;
+}
+
+void EngineMailbox::setSizeListener(SizeListener listener)
+{
+    const std::lock_guard<std::mutex> lock(m_listenerMutex);
+    m_sizeListener = std::move(listener);
+}
+
+void EngineMailbox::tellSize(const char *key, double value)
+{
+    const std::lock_guard<std::mutex> lock(m_listenerMutex);
+    if (m_sizeListener && value > 0 && value < 9e18)
+        m_sizeListener(QString::fromLocal8Bit(key), qint64(value));
 }
 
 void EngineMailbox::post(const char *key, tagDownloadStateCode code, double value)

@@ -42,15 +42,23 @@ public:
     static int onVideoInfo(void *user, const char *key, tagDownloadStateCode code, char *data,
                            unsigned long length);
 
+    /** Gets the size of a task's video as soon as it is known, on an engine's thread. */
+    using SizeListener = std::function<void(const QString &key, qint64 bytes)>;
+    /** From when this returns, only the new listener is called, or none. */
+    void setSizeListener(SizeListener listener);
+
     /** Takes all events out, oldest first. */
     std::vector<EngineEvent> take();
     /** Whether the end of this key's request lies in the box. */
     bool holdsEndOf(const QString &key) const;
 
 private:
+    void tellSize(const char *key, double value);
     void post(const char *key, tagDownloadStateCode code, double value);
 
     const std::function<void()> m_wake;
+    std::mutex m_listenerMutex; // protects m_sizeListener, also while it is called
+    SizeListener m_sizeListener;
     mutable std::mutex m_mutex;        // protects m_events
     std::vector<EngineEvent> m_events; // oldest first
 };

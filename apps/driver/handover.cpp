@@ -1,8 +1,6 @@
 // Handing work to the controller, never more of it than there are slots.
 #include "driver/downloaddriver.h"
 
-#include "driver/formatchoice.h"
-#include "driver/outputname.h"
 #include "driver/taskrecord.h"
 
 #include <algorithm>
@@ -18,6 +16,16 @@ bool fitsField(const QString &text, std::size_t field)
 
 } // namespace
 
+// Several at once, so that their names reach the disk together.
+void DownloadDriver::nameVideos()
+{
+    while (hasVideoSlot() && !m_ready.isEmpty()) {
+        const QString key = m_ready.takeFirst();
+        if (nameVideo(key))
+            m_named.append(key);
+    }
+}
+
 void DownloadDriver::handOver()
 {
     while (handOverOne()) {
@@ -28,8 +36,8 @@ void DownloadDriver::handOver()
 // more is parsed ahead than can soon be downloaded.
 bool DownloadDriver::handOverOne()
 {
-    if (!m_ready.isEmpty() && m_videos.size() < m_settings.videoLimit) {
-        sendVideo(m_ready.takeFirst());
+    if (!m_named.isEmpty()) {
+        sendVideo(m_named.takeFirst());
         return true;
     }
     if (!hasSharedSlot())
@@ -51,6 +59,11 @@ bool DownloadDriver::handOverOne()
     return true;
 }
 
+bool DownloadDriver::hasVideoSlot() const
+{
+    return m_videos.size() + m_named.size() < m_settings.videoLimit;
+}
+
 bool DownloadDriver::hasSharedSlot() const
 {
     return m_parsing.size() + m_thumbnails.size() < sharedSlots;
@@ -65,8 +78,11 @@ DownloadDriver::Sent DownloadDriver::watched(const QString &key, const std::func
     const bool atWork =
         result != -1 && (m_DownloadAllTask.contains(key) || m_mailbox.holdsEndOf(key));
     if (result != -1 && !atWork) {
-        m_controller->Stop(key, false); // leaves the waiting list
-        m_controller->ReleaseLock(key); // and gives the slot back
+        for (QStringList *waiting :
+             {&m_controller->m_ParseWaitList, &m_controller->m_DownloadWaitList,
+              &m_controller->m_ImageWaitList})
+            waiting->removeAll(key);
+        m_controller->ReleaseLock(key); // gives the slot back
     }
     return {result, atWork};
 }
@@ -98,71 +114,27 @@ void DownloadDriver::sendParse(const QString &key)
 
 void DownloadDriver::sendVideo(const QString &key)
 {
-    if (!prepareVideo(key))
+    const Task &task = m_tasks[key];
+    const auto reserved = reserve(*task.name);
+    if (const auto *reason = std::get_if<FailureReason>(&reserved)) {
+        endFailed(key, *reason);
         return;
-    const QString folder = m_tasks[key].request.downloadFolder;
-    const auto send = [&] { return m_controller->DownloadVideo(key); };
-    if (!watchedIn(folder, key, send).atWork) {
+    }
+    if (std::get<Reservation>(reserved) == Reservation::Taken) {
+        m_ready.prepend(key);
+        return;
+    }
+    const auto send = [&] {
+        m_controller->m_bUseProfileFmt = task.byProfile;
+        m_ReDownLoadList.append(key); // the library then writes to the name as it is
+        return m_controller->DownloadVideo(key);
+    };
+    if (!watchedIn(task.request.downloadFolder, key, send).atWork) {
         endFailed(key, refusal(key));
         return;
     }
     m_videos.insert(key);
-    m_recordsChanged = true;
-}
-
-// Settles format and name, so that the library's choice gives a file that suits the wish and stands
-// in nobody's way.
-bool DownloadDriver::prepareVideo(const QString &key)
-{
-    Task &task = m_tasks[key];
-    const DownloadRequest &request = task.request;
-    ChosenFormat chosen;
-    OutputPlace place;
-    place.title = task.progress.title;
-    place.key = key;
-    place.downloadFolder = request.downloadFolder;
-    place.copyFolder = request.outputFolder;
-    place.copies = request.keepSource;
-    {
-        const ControllerLock lock;
-        CXMLInfo *record = m_controller->getXMLInfo(key);
-        if (record == nullptr) {
-            endFailed(key, refusal(key));
-            return false;
-        }
-        FormatWish wish = formatchoice::settled(request, record->fmt_list, record->fmt_stream_map);
-        chosen = formatchoice::chosen(wish, record->fmt_list, record->fmt_stream_map);
-        place.extension = chosen.extension;
-        if (wish.byProfile) // else the wish stays open, for when the task is gone on with
-            m_controller->SaveProfile(key, &wish.profile);
-        m_controller->m_bUseProfileFmt = wish.byProfile;
-        if (!nameIsClaimed(*record)) {
-            place.ownVideo = record->FileName;
-            place.ownCopy = record->SaveAsFileName;
-            place.ownSize = record->FileSize;
-        }
-    }
-    return confirmUpgrade(key, task, {chosen.width, chosen.height}) && nameVideo(key, place);
-}
-
-bool DownloadDriver::nameVideo(const QString &key, const OutputPlace &place)
-{
-    const auto name = chooseOutputName(place);
-    if (const auto *reason = std::get_if<FailureReason>(&name)) {
-        endFailed(key, *reason);
-        return false;
-    }
-    const auto &chosen = std::get<OutputName>(name);
-    m_tasks[key].reservedCopy = chosen.reservedCopy;
-    const ControllerLock lock;
-    m_ReDownLoadList.removeAll(key);
-    if (chosen.isOwn) // the library then writes to the name as it is
-        m_ReDownLoadList.append(key);
-    if (CXMLInfo *record = m_controller->getXMLInfo(key)) {
-        record->Title = chosen.title;
-        record->ConvertionDesc = QStringLiteral(""); // the new video is not converted yet
-    }
-    return true;
+    m_changed.insert(key);
 }
 
 void DownloadDriver::sendThumbnail(const QString &key)

@@ -1,25 +1,26 @@
 #include "driver/historykeeper.h"
 
+#include "driver/disk.h"
+#include "driver/recordtext.h"
 #include "driver/soundness.h"
 
 #include <QDateTime>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonArray>
 
-#include <algorithm>
 #include <filesystem>
-
-#include <cstdio>
-#include <fcntl.h>
-#include <unistd.h>
+#include <utility>
 
 namespace {
 
-constexpr int gatherMilliseconds = 200;
-// Saving a long history takes a while; this keeps it a small part of the program's time.
-constexpr qint64 pauseFactor = 10;
+// A journal that is longer than its history and this takes longer to read than the history.
+constexpr qint64 shortJournal = qint64{1} << 20;
+
+const QString taskName = QStringLiteral("task");
+const QString fieldsName = QStringLiteral("fields");
+const QString upgradeName = QStringLiteral("upgrade");
 
 // A link would be replaced by the rename of a save, so the file behind it is the history.
 QString realPath(const QString &path)
@@ -33,97 +34,117 @@ std::filesystem::path native(const QString &path)
     return QFile::encodeName(path).toStdString();
 }
 
-bool syncToDisk(const QString &path, int flags)
-{
-    const int descriptor = ::open(QFile::encodeName(path).constData(), flags | O_CLOEXEC);
-    if (descriptor < 0)
-        return false;
-    const bool synced = ::fsync(descriptor) == 0;
-    return ::close(descriptor) == 0 && synced;
-}
-
 QString unusedName(const QString &wanted)
 {
     QString name = wanted;
-    for (int n = 1; QFileInfo::exists(name); ++n)
+    for (int n = 1; disk::isTaken(name); ++n)
         name = wanted + u'-' + QString::number(n);
     return name;
 }
 
+QString asideName(const QString &path)
+{
+    const QString date = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
+    return unusedName(path + QLatin1String(".damaged-") + date);
+}
+
+QJsonObject asJson(const UpgradeFiles &files)
+{
+    QJsonArray old;
+    for (const auto &[path, aside] : files.old)
+        old.append(QJsonArray{path, aside});
+    return {{QStringLiteral("old"), old},
+            {QStringLiteral("fresh"), QJsonArray::fromStringList(files.fresh)},
+            {QStringLiteral("freshSize"), files.freshSize}};
+}
+
+UpgradeFiles upgradeIn(const QJsonObject &json)
+{
+    UpgradeFiles files;
+    for (const auto &pair : json.value(QStringLiteral("old")).toArray())
+        files.old.append({pair[0].toString(), pair[1].toString()});
+    for (const auto &path : json.value(QStringLiteral("fresh")).toArray())
+        files.fresh.append(path.toString());
+    files.freshSize = json.value(QStringLiteral("freshSize")).toInteger();
+    return files;
+}
+
+// What the lines of one task come to.
+struct TaskChanges
+{
+    QJsonObject fields;
+    QJsonValue upgrade; // of one that has not ended
+};
+
 } // namespace
 
-HistoryKeeper::HistoryKeeper(CDown &controller, const QString &path, QObject *parent)
+HistoryKeeper::HistoryKeeper(CDown &controller, const QString &path, UnfinishedFiles unfinished,
+                             QObject *parent)
     : QObject(parent),
       m_controller(controller),
       m_path(realPath(path)),
-      m_lock(m_path + QLatin1String(".lock")),
-      m_delay(gatherMilliseconds)
+      m_unfinished(std::move(unfinished)),
+      m_lock(m_path),
+      m_journal(m_path + QLatin1String(".journal"))
 {
-    // A lock is as old as its program; only one whose program is gone is stale.
-    m_lock.setStaleLockTime(0);
-    m_timer.setSingleShot(true);
-    connect(&m_timer, &QTimer::timeout, this, &HistoryKeeper::saveGathered);
 }
 
 HistoryKeeper::~HistoryKeeper()
 {
-    if (m_timer.isActive())
-        saveGathered();
+    if (m_open && m_journal.exists())
+        save();
 }
 
 QString HistoryKeeper::open()
 {
     if (!QDir().mkpath(QFileInfo(m_path).absolutePath()))
         return tr("the folder of %1 cannot be made").arg(m_path);
-    QString problem = lock();
+    QString problem = m_lock.take();
     if (problem.isEmpty())
         problem = load();
     m_open = problem.isEmpty();
     return problem;
 }
 
-QString HistoryKeeper::lock()
-{
-    if (m_lock.tryLock(0))
-        return {};
-    qint64 process = 0;
-    QString host;
-    QString program;
-    if (m_lock.error() == QLockFile::LockFailedError &&
-        m_lock.getLockInfo(&process, &host, &program))
-        return tr("%1 is in use by %2 (process %3 on %4)")
-            .arg(m_path, program)
-            .arg(process)
-            .arg(host);
-    return tr("%1 cannot be locked: its folder cannot be written").arg(m_path);
-}
-
 QString HistoryKeeper::load()
 {
     const QFileInfo file(m_path);
-    if (!file.exists())
-        return {};
-    if (!file.isFile())
+    if (file.exists() && !file.isFile())
         return tr("%1 is not a file").arg(m_path);
-    const bool sound = countTasks(m_path).has_value();
-    m_controller.LoadFromFile(m_path);
-    if (sound || setAside())
-        return {};
-    return tr("%1 is damaged and cannot be set aside").arg(m_path);
+    const bool sound = !file.exists() || countTasks(m_path).has_value();
+    if (file.exists())
+        m_controller.LoadFromFile(m_path);
+    QList<QJsonObject> entries;
+    const bool hasJournal = QFileInfo::exists(m_path + QLatin1String(".journal"));
+    const auto found =
+        hasJournal ? m_journal.open(Journal::digestOf(m_path), entries) : Journal::Found::Nothing;
+    if (found == Journal::Found::Foreign && sound)
+        return setAsideForeignJournal();
+    replay(entries); // of a damaged history it is the journal, whatever its digest
+    return sound ? QString() : setAside();
 }
 
 // A second name rather than a new one: the history keeps a name at every moment.
-bool HistoryKeeper::setAside()
+QString HistoryKeeper::setAside()
 {
-    const QString date = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
-    const QString aside = unusedName(m_path + QLatin1String(".damaged-") + date);
+    const QString aside = asideName(m_path);
     std::error_code error;
     std::filesystem::create_hard_link(native(m_path), native(aside), error);
     if (error && !QFile::rename(m_path, aside))
-        return false;
+        return tr("%1 is damaged and cannot be set aside").arg(m_path);
     m_setAside = aside;
     m_open = true;
-    return save().isEmpty();
+    return save();
+}
+
+QString HistoryKeeper::setAsideForeignJournal()
+{
+    const QString journal = m_path + QLatin1String(".journal");
+    const QString aside = asideName(journal);
+    if (!disk::rename(journal, aside))
+        return tr("%1 belongs to another history and cannot be set aside").arg(journal);
+    m_setAsideJournal = aside;
+    return {};
 }
 
 QString HistoryKeeper::setAsidePath() const
@@ -131,36 +152,208 @@ QString HistoryKeeper::setAsidePath() const
     return m_setAside;
 }
 
-void HistoryKeeper::noteChange()
+QString HistoryKeeper::setAsideJournal() const
 {
-    if (!m_timer.isActive() && m_open)
-        m_timer.start(m_delay);
+    return m_setAsideJournal;
 }
 
-void HistoryKeeper::saveGathered()
+// In one pass over the lines, then one over the tasks that they name.
+void HistoryKeeper::replay(const QList<QJsonObject> &entries)
 {
-    QElapsedTimer took;
-    took.start();
-    const QString problem = save();
-    m_delay = int(std::max<qint64>(gatherMilliseconds, took.elapsed() * pauseFactor));
+    QStringList order;
+    QHash<QString, TaskChanges> tasks;
+    for (const QJsonObject &entry : entries) {
+        const QString key = entry.value(taskName).toString();
+        if (!tasks.contains(key))
+            order.append(key);
+        TaskChanges &task = tasks[key];
+        task.fields = recordtext::merged(task.fields, entry.value(fieldsName).toObject());
+        if (entry.contains(upgradeName))
+            task.upgrade = entry.value(upgradeName);
+    }
+    for (const QString &key : std::as_const(order)) {
+        leftovers::Names left;
+        {
+            const ControllerLock lock;
+            CXMLInfo *record = m_controller.getXMLInfo(key);
+            if (record == nullptr && tasks[key].fields.isEmpty())
+                continue;
+            if (record == nullptr)
+                record = m_controller.m_pHistory->Add(nullptr);
+            recordtext::setFields(
+                *record, recordtext::merged(recordtext::fieldsOf(*record), tasks[key].fields));
+            left = leftovers::of(*record, m_unfinished);
+        }
+        leftovers::remove(left);
+        if (tasks[key].upgrade.isObject())
+            leftovers::undo(upgradeIn(tasks[key].upgrade.toObject()), m_unfinished);
+    }
+}
+
+// Of a task at rest nothing is remembered: its next change writes all of it.
+QJsonObject HistoryKeeper::changeOf(const QString &key)
+{
+    QJsonObject now;
+    {
+        const ControllerLock lock;
+        CXMLInfo *record = m_controller.getXMLInfo(key);
+        if (record == nullptr)
+            return {};
+        now = recordtext::fieldsOf(*record);
+        if (taskrecord::isInterrupted(*record))
+            m_atWork.insert(key);
+    }
+    QJsonObject changed = recordtext::changes(m_stored.value(key), now);
+    if (m_atWork.contains(key))
+        m_stored.insert(key, now);
+    return changed;
+}
+
+bool HistoryKeeper::isUpgrading(const QString &key)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_upgrades.contains(key);
+}
+
+bool HistoryKeeper::commit(const QStringList &keys)
+{
+    QSet<QString> due(keys.cbegin(), keys.cend());
+    due.unite(std::exchange(m_unstored, {}));
+    QList<QJsonObject> entries;
+    for (const QString &key : std::as_const(due)) {
+        const QJsonObject changed = isUpgrading(key) ? QJsonObject() : changeOf(key);
+        if (!changed.isEmpty())
+            entries.append({{taskName, key}, {fieldsName, changed}});
+    }
+    if (entries.isEmpty() || append(entries))
+        return true;
+    m_unstored = due;
+    for (const QString &key : std::as_const(due))
+        m_stored.remove(key);
+    return false;
+}
+
+void HistoryKeeper::settle(const QString &key)
+{
+    m_atWork.remove(key);
+    m_stored.remove(key);
+}
+
+bool HistoryKeeper::append(const QList<QJsonObject> &entries)
+{
+    if (!m_open)
+        return tell(tr("the history is not open"));
+    QByteArray digest;
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        if (!m_digest)
+            m_digest = Journal::digestOf(m_path);
+        digest = *m_digest;
+    }
+    if (!m_journal.append(entries, digest) || !m_journal.sync())
+        return tell(tr("%1.journal cannot be written; the disk may be full").arg(m_path));
+    if (m_journal.size() > shortJournal + QFileInfo(m_path).size())
+        return tell(save());
+    return tell({});
+}
+
+bool HistoryKeeper::tell(const QString &problem)
+{
     if (!problem.isEmpty() && !m_failing)
         emit saveFailed(problem);
     m_failing = !problem.isEmpty();
-    emit gathered();
+    return problem.isEmpty();
+}
+
+void HistoryKeeper::noteSize(const QString &key, qint64 bytes)
+{
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    QJsonObject entry{{taskName, key}};
+    const auto upgrade = m_upgrades.find(key);
+    if (upgrade == m_upgrades.end()) {
+        entry.insert(fieldsName, QJsonObject{{QStringLiteral("FileSize"), QString::number(bytes)}});
+    } else {
+        upgrade->insert(QStringLiteral("freshSize"), bytes);
+        entry.insert(upgradeName, *upgrade);
+    }
+    if (m_saving)
+        m_late.append(entry);
+    if (m_digest) // else no task of this program is in the journal
+        m_journal.append({entry}, *m_digest);
+}
+
+bool HistoryKeeper::beginUpgrade(const QString &key, const UpgradeFiles &files)
+{
+    const QJsonObject upgrade = asJson(files);
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_upgrades.insert(key, upgrade);
+    }
+    m_atWork.insert(key);
+    return append({QJsonObject{{taskName, key}, {upgradeName, upgrade}}});
+}
+
+// The line that ends it goes with the record, so that neither is on disk without the other.
+void HistoryKeeper::endUpgrade(const QString &key)
+{
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        if (m_upgrades.remove(key) == 0)
+            return;
+    }
+    append({QJsonObject{
+        {taskName, key}, {fieldsName, changeOf(key)}, {upgradeName, QJsonValue::Null}}});
 }
 
 QString HistoryKeeper::save()
 {
-    m_timer.stop();
     if (!m_open)
         return tr("the history is not open");
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_saving = true;
+    }
+    const QString problem = writeAnew();
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_saving = false;
+    const QList<QJsonObject> late = std::exchange(m_late, {});
+    if (problem.isEmpty())
+        beginJournalAnew(late);
+    return problem;
+}
+
+QString HistoryKeeper::writeAnew()
+{
     const QString fresh = m_path + QLatin1String(".new");
     QString problem = writeNew(fresh);
+    const QByteArray digest = problem.isEmpty() ? Journal::digestOf(fresh) : QByteArray();
+    if (problem.isEmpty() && !m_journal.announce(digest))
+        problem = tr("%1.journal cannot be written; the disk may be full").arg(m_path);
     if (problem.isEmpty() && !replaceBy(fresh))
         problem = tr("%1 cannot be replaced").arg(m_path);
-    if (!problem.isEmpty())
+    if (!problem.isEmpty()) {
         QFile::remove(fresh);
-    return problem;
+        return problem;
+    }
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_digest = digest;
+    m_unstored.clear();
+    return {};
+}
+
+// With the mutex locked. The next opening has to look after what is at work, though the history has
+// all of its records.
+void HistoryKeeper::beginJournalAnew(const QList<QJsonObject> &late)
+{
+    m_journal.remove();
+    QList<QJsonObject> entries;
+    for (const QString &key : std::as_const(m_atWork))
+        entries.append({{taskName, key}});
+    for (auto upgrade = m_upgrades.begin(); upgrade != m_upgrades.end(); ++upgrade)
+        entries.append({{taskName, upgrade.key()}, {upgradeName, *upgrade}});
+    entries += late;
+    if (!entries.isEmpty())
+        m_journal.append(entries, *m_digest);
 }
 
 // The library reports no failure of a save, so what it wrote is read back.
@@ -170,7 +363,7 @@ QString HistoryKeeper::writeNew(const QString &path)
     m_controller.SaveToFile(path);
     if (!QFileInfo::exists(path))
         return tr("%1 cannot be written").arg(path);
-    if (countTasks(path) != m_controller.count() || !syncToDisk(path, O_WRONLY))
+    if (countTasks(path) != m_controller.count() || !disk::syncFile(path))
         return tr("%1 could not be written whole; the disk may be full").arg(path);
     return {};
 }
@@ -181,10 +374,8 @@ bool HistoryKeeper::replaceBy(const QString &path)
     std::error_code ignored; // without a previous version the save is no less safe
     std::filesystem::remove(native(previous), ignored);
     std::filesystem::create_hard_link(native(m_path), native(previous), ignored);
-    std::error_code error;
-    std::filesystem::rename(native(path), native(m_path), error);
-    if (error)
+    if (!disk::rename(path, m_path))
         return false;
-    syncToDisk(QFileInfo(m_path).absolutePath(), O_RDONLY | O_DIRECTORY);
+    disk::syncFolder(QFileInfo(m_path).absolutePath());
     return true;
 }

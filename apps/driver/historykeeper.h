@@ -3,31 +3,47 @@
 #define VIDEODOWN_DRIVER_HISTORYKEEPER_H
 
 #include "down/cdown.h"
+#include "driver/historylock.h"
+#include "driver/journal.h"
+#include "driver/leftovers.h"
 
-#include <QLockFile>
+#include <QHash>
+#include <QJsonObject>
 #include <QObject>
+#include <QSet>
 #include <QString>
-#include <QTimer>
+
+#include <mutex>
+#include <optional>
 
 /**
- * One keeper writes one history at a time, in this or any other program: a lock file beside the
- * history, NAME.lock, sees to that.
+ * One keeper writes one history at a time, in this or any other program; see HistoryLock.
  *
- * A save goes to NAME.new, is read back, flushed to disk and renamed over the history, whose last
- * version stays as NAME.previous. So the history is whole at every moment, and a disk that is full
- * costs the save, not the history. A file that is not well-formed XML is first set aside as
- * NAME.damaged-DATE, then what could be read of it goes on.
+ * Changes go to a journal beside the history, NAME.journal, before what they tell of happens. The
+ * history itself is rewritten when the journal has grown long, and by `save`: to NAME.new, which is
+ * read back, flushed to disk and renamed over the history, whose last version stays as
+ * NAME.previous. So history and journal together are whole at every moment, and a disk that is full
+ * costs the save, not the history. When the program ends suddenly, the next `open` reads both, and
+ * takes away what was reserved for the tasks of the journal and never used.
  *
- * Threads: belongs to the thread that made it and needs its event loop for gathered saves.
+ * A history that is not well-formed XML is first set aside as NAME.damaged-DATE, then what could be
+ * read of it goes on. A journal of another history is set aside alike.
+ *
+ * Threads: belongs to the thread that made it, except `noteSize`. Not to be called with the
+ * controller lock held: it takes it, and writes to disk without it.
  */
 class HistoryKeeper : public QObject
 {
     Q_OBJECT
 
 public:
-    /** @param controller must outlive the keeper */
-    HistoryKeeper(CDown &controller, const QString &path, QObject *parent = nullptr);
-    /** Saves what is still due, and gives the lock back. */
+    /**
+     * @param controller must outlive the keeper
+     * @param unfinished which files the engine leaves of an unfinished download; may be empty
+     */
+    HistoryKeeper(CDown &controller, const QString &path, UnfinishedFiles unfinished = {},
+                  QObject *parent = nullptr);
+    /** Saves what only the journal has, and gives the lock back. */
     ~HistoryKeeper() override;
 
     /**
@@ -35,37 +51,79 @@ public:
      * @return the reason in English why the history cannot be used; empty on success
      */
     QString open();
-    /** Where a damaged file was set aside by `open`; empty when it was sound. */
+    /** Where a damaged history was set aside by `open`; empty when it was sound. */
     QString setAsidePath() const;
+    /** Where a journal of another history was set aside by `open`; empty when there was none. */
+    QString setAsideJournal() const;
 
-    /** The controller's tasks have changed: saves them soon, several changes at once. */
-    void noteChange();
-    /** Saves now. @return why it failed, in English; empty on success */
+    /**
+     * Has the records of these tasks on disk when it returns. For tasks whose upgrade has begun,
+     * their records stay as they were on disk until it has ended.
+     * @return whether that worked; if not, `saveFailed` tells, and the tasks are tried again with
+     * the next ones
+     */
+    bool commit(const QStringList &keys);
+
+    /**
+     * The task has come to rest: none of its files is being written any more. Until then, the next
+     * `open` after a sudden end looks after what the task left behind.
+     */
+    void settle(const QString &key);
+
+    /**
+     * Notes the size of a task's video, so that after a sudden end of the program the complete file
+     * can be told from anybody else's. To be called before the file gets its name. Any thread.
+     */
+    void noteSize(const QString &key, qint64 bytes);
+
+    /**
+     * Has on disk when it returns that these files of the task are about to be set aside. Unless
+     * `endUpgrade` comes, the next `open` puts them back. May be called again with more names.
+     */
+    bool beginUpgrade(const QString &key, const UpgradeFiles &files);
+    /** The upgrade has ended, either way; `commit` now takes the record as it is. */
+    void endUpgrade(const QString &key);
+
+    /** Writes the whole history, and ends the journal. @return why it failed, in English; empty on
+     * success: then nothing is lost, and history and journal on disk are as before */
     QString save();
 
 signals:
-    /** A gathered save was made, or failed: what had changed before it is as safe as it gets. */
-    void gathered();
-    /** A gathered save failed; the history on disk is the one before. Not repeated until one
-     * succeeds. */
+    /** A change could not be written. Not repeated until one could. */
     void saveFailed(const QString &reason);
 
 private:
-    QString lock();
     QString load();
-    bool setAside();
-    void saveGathered();
+    QString setAside();
+    QString setAsideForeignJournal();
+    void replay(const QList<QJsonObject> &entries);
+    bool isUpgrading(const QString &key);
+    QJsonObject changeOf(const QString &key);
+    bool append(const QList<QJsonObject> &entries);
+    void beginJournalAnew(const QList<QJsonObject> &late);
+    QString writeAnew();
     QString writeNew(const QString &path);
     bool replaceBy(const QString &path);
+    bool tell(const QString &problem);
 
     CDown &m_controller;
     const QString m_path;
-    QLockFile m_lock;
-    QTimer m_timer;
+    const UnfinishedFiles m_unfinished;
+    HistoryLock m_lock;
+    Journal m_journal;
     QString m_setAside;
-    int m_delay; // milliseconds from a change to its save
+    QString m_setAsideJournal;
+    QHash<QString, QJsonObject> m_stored; // records as they are on disk, of tasks at work
+    QSet<QString> m_atWork;               // tasks that the next opening has to look after
+    QSet<QString> m_unstored;             // tasks whose changes could not be written
     bool m_open = false;
     bool m_failing = false;
+
+    std::mutex m_mutex;                     // protects what follows
+    std::optional<QByteArray> m_digest;     // of the history on disk; made when it is needed
+    QHash<QString, QJsonObject> m_upgrades; // entries of the upgrades that have not ended
+    QList<QJsonObject> m_late;              // sizes noted while the history is being saved
+    bool m_saving = false;
 };
 
 #endif

@@ -1,6 +1,7 @@
 #include "driver/outputname.h"
 
 #include "down/cdown.h"
+#include "driver/disk.h"
 #include "driver/plaintext.h"
 #include "driver/taskrecord.h"
 
@@ -9,13 +10,10 @@
 #include <QFileInfo>
 #include <QStorageInfo>
 
-namespace {
+#include <cerrno>
+#include <cstring>
 
-bool isTaken(const QString &path)
-{
-    const QFileInfo file(path);
-    return file.exists() || file.isSymLink();
-}
+namespace {
 
 bool isSameFolder(const QString &one, const QString &other)
 {
@@ -57,47 +55,47 @@ std::optional<OutputName> ownName(const OutputPlace &place)
 {
     const QString base = QFileInfo(place.ownVideo).completeBaseName();
     const bool suits = !place.ownVideo.isEmpty() && base == plaintext::fileTitle(base, {}) &&
-                       givesOwnName(place, base) &&
+                       givesOwnName(place, base) && !place.claimed.contains(place.ownVideo) &&
                        taskrecord::mayReplace(place.ownVideo, place.ownSize);
     if (!suits)
         return std::nullopt;
     if (!reservesCopy(place))
-        return OutputName{base, {}, true};
+        return OutputName{base, place.ownVideo, {}, true};
     const QString copy = place.copyFolder + u'/' + QFileInfo(place.ownVideo).fileName();
-    QFile file(copy);
-    if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
-        return OutputName{base, copy, true};
-    if (copy != place.ownCopy || !taskrecord::mayReplace(copy, place.ownSize))
+    const bool isOurs = copy == place.ownCopy && (taskrecord::mayReplace(copy, place.ownSize) ||
+                                                  taskrecord::isBegunCopy(copy, place.ownVideo));
+    if (disk::isTaken(copy) && !isOurs)
         return std::nullopt;
-    return OutputName{base, file.size() == 0 ? copy : QString(), true};
+    return OutputName{base, place.ownVideo, copy, true};
 }
 
-void removeIfEmpty(const QString &path)
+OutputName freeName(const OutputPlace &place)
 {
-    const QFileInfo file(path);
-    if (!path.isEmpty() && file.isFile() && file.size() == 0)
-        QFile::remove(path);
-}
-
-std::variant<OutputName, FailureReason> freeName(const OutputPlace &place)
-{
-    const bool reserves = reservesCopy(place);
     const QString base = plaintext::fileTitle(place.title, place.key);
     QString name = base;
     for (int n = 0;; name = base + u'_' + QString::number(n++)) {
         const QString video =
             CDown::CustomVideoName(place.downloadFolder, name, u'.' + place.extension, false);
-        if (isTaken(video))
+        if (disk::isTaken(video) || place.claimed.contains(video))
             continue;
-        if (!reserves)
-            return OutputName{name, {}};
+        if (!reservesCopy(place))
+            return {name, video, {}};
         const QString copy = place.copyFolder + u'/' + QFileInfo(video).fileName();
-        QFile file(copy);
-        if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
-            return OutputName{name, copy};
-        if (!isTaken(copy))
-            return cannotWrite(copy, file.errorString());
+        if (!disk::isTaken(copy))
+            return {name, video, copy};
     }
+}
+
+// What the task left under a name that it does not keep.
+void abandonOwn(const OutputPlace &place)
+{
+    disk::removeIfEmpty(place.ownVideo);
+    if (place.copies)
+        disk::removeIfEmpty(place.ownCopy);
+    if (!place.unfinished || place.ownVideo.isEmpty())
+        return;
+    for (const QString &path : place.unfinished(place.ownVideo))
+        QFile::remove(path);
 }
 
 } // namespace
@@ -108,10 +106,32 @@ std::variant<OutputName, FailureReason> chooseOutputName(const OutputPlace &plac
         return cannotWrite(place.copyFolder, QStringLiteral("it cannot be made"));
     if (const auto own = ownName(place))
         return *own;
-    removeIfEmpty(place.ownVideo);
-    if (place.copies)
-        removeIfEmpty(place.ownCopy);
+    abandonOwn(place);
     return freeName(place);
+}
+
+std::variant<Reservation, FailureReason> reserve(const OutputName &name)
+{
+    const bool isNew = disk::makeEmpty(name.video);
+    if (!isNew && disk::isTaken(name.video) && !name.isOwn)
+        return Reservation::Taken;
+    if (name.copy.isEmpty() || disk::makeEmpty(name.copy))
+        return Reservation::Done;
+    const QString error = QString::fromLocal8Bit(std::strerror(errno));
+    const bool isTaken = disk::isTaken(name.copy);
+    if (isTaken && name.isOwn)
+        return Reservation::Done;
+    if (isNew)
+        QFile::remove(name.video);
+    if (isTaken)
+        return Reservation::Taken;
+    return cannotWrite(name.copy, error);
+}
+
+void release(const OutputName &name)
+{
+    disk::removeIfEmpty(name.video);
+    disk::removeIfEmpty(name.copy);
 }
 
 std::optional<FailureReason> missingFile(const FinishedFiles &files)

@@ -3,18 +3,21 @@
 #define VIDEODOWN_DRIVER_OUTPUTNAME_H
 
 #include "driver/downloadtask.h"
+#include "driver/taskrecord.h"
 
+#include <QSet>
 #include <QString>
 
 #include <optional>
 #include <variant>
 
-/** A title under which the library will write to free names only. */
+/** A title under which the library will write to the task's own files only. */
 struct OutputName
 {
-    QString title;        ///< to be set as the task's title
-    QString reservedCopy; ///< empty file that keeps the copy's name free; empty when none is needed
-    bool isOwn = false;   ///< the name the task had before; what is there may be overwritten
+    QString title;      ///< to be set as the task's title
+    QString video;      ///< path of the downloaded file
+    QString copy;       ///< path of its copy; empty when it needs no name of its own
+    bool isOwn = false; ///< the names the task had before; what is there may be overwritten
 };
 
 /** What `chooseOutputName` needs to know. */
@@ -29,17 +32,35 @@ struct OutputPlace
     QString ownVideo;       ///< path that the task had before; empty for none
     QString ownCopy;        ///< its copy
     qint64 ownSize = 0;     ///< bytes of these files when they are complete
+    QSet<QString> claimed;  ///< paths of videos that are about to be reserved
+    UnfinishedFiles unfinished;
 };
 
 /**
  * The library makes names unique in the downloads folder, but copies over whatever has the same
  * name in the output folder. This finds a name (title, title_0, title_1, ...) that is free in both,
- * and reserves it in the latter, which also shows early whether that folder can be written.
+ * but takes neither: see `reserve`. Makes the output folder.
  *
  * A name that the task had before comes first, if it suits and what is there may be replaced; if it
- * does not, the empty files that kept it free are removed.
+ * does not, what the task left under it is removed.
  */
 std::variant<OutputName, FailureReason> chooseOutputName(const OutputPlace &place);
+
+/** What became of a name that was chosen. */
+enum class Reservation {
+    Done,  ///< it is the task's
+    Taken, ///< somebody else was quicker: choose again
+};
+
+/**
+ * Takes the name, by empty files where there are none. Where the downloaded file cannot be made,
+ * that is left for the engine to tell.
+ * @return the reason when the copy's file cannot be made
+ */
+std::variant<Reservation, FailureReason> reserve(const OutputName &name);
+
+/** Removes the empty files. Others stay: nobody but their task fills them. */
+void release(const OutputName &name);
 
 /** What a finished task left on disk. */
 struct FinishedFiles

@@ -2,6 +2,7 @@
 #include "driver/downloaddriver.h"
 
 #include "driver/addresscheck.h"
+#include "driver/historykeeper.h"
 #include "driver/taskrecord.h"
 
 #include <QFile>
@@ -45,7 +46,7 @@ void carryOver(const CXMLInfo &from, CXMLInfo &to)
 
 } // namespace
 
-// Whether there is anything to fetch.
+// Whether there is anything to fetch; if not, the task is on its way to its end.
 bool DownloadDriver::enlist(const QString &key, const DownloadRequest &request)
 {
     if (request.inspectOnly)
@@ -54,14 +55,30 @@ bool DownloadDriver::enlist(const QString &key, const DownloadRequest &request)
     CXMLInfo *record = m_controller->getXMLInfo(key);
     if (record != nullptr && request.upgrade)
         return true;
-    if (record != nullptr && !request.again && taskrecord::isComplete(*record))
+    if (record != nullptr && !request.again && taskrecord::isComplete(*record)) {
+        m_present.append(key);
         return false;
+    }
     if (record == nullptr)
         record = m_controller->m_pHistory->Add(newRecord(key, request));
     setWishes(*record, request);
     record->State = int(TaskState::Waiting);
-    m_recordsChanged = true;
-    return true;
+    m_changed.insert(key);
+    if (request.again || !taskrecord::lacksOnlyItsCopy(*record))
+        return true;
+    copyAgain(key);
+    return false;
+}
+
+// A large copy takes a while, and the library makes it on the thread that asks for it.
+void DownloadDriver::copyAgain(const QString &key)
+{
+    m_copying.insert(key);
+    m_copiers.start([this, key] {
+        m_controller->CopyVideo(key);
+        EngineMailbox::onState(&m_mailbox, key.toLatin1().constData(), DOWN_STATE_DOWNLOAD_FINISH,
+                               0, FILE_TYPE_VIDEO);
+    });
 }
 
 // Called with the lock held. A task with files keeps its record, and with it all that is known.
@@ -90,7 +107,7 @@ void DownloadDriver::setState(const QString &key, TaskState state)
     if (record == nullptr || m_tasks[key].request.inspectOnly)
         return;
     record->State = int(state);
-    m_recordsChanged = true;
+    m_changed.insert(key);
 }
 
 void DownloadDriver::noteEnd(const QString &key, const Task &task, DownloadOutcome outcome)
@@ -110,26 +127,7 @@ void DownloadDriver::noteEnd(const QString &key, const Task &task, DownloadOutco
         record->Progress = 100;
     else if (task.progress.total > 0)
         record->Progress = percentOf(task.progress);
-    m_recordsChanged = true;
-}
-
-// Two unfinished tasks can remember one name: it was free again when the
-// first had failed. The one that comes first now leaves it to the other.
-bool DownloadDriver::nameIsClaimed(const CXMLInfo &record)
-{
-    const ControllerLock lock;
-    const auto &all = m_controller->m_pHistory->m_InfoList;
-    return std::any_of(all.cbegin(), all.cend(), [&record](const CXMLInfo *other) {
-        return other != &record && other->FileName == record.FileName &&
-               (taskrecord::isInterrupted(*other) ||
-                taskrecord::stateOf(*other) == TaskState::Finished);
-    });
-}
-
-void DownloadDriver::releaseCopy(Task &task)
-{
-    if (!task.reservedCopy.isEmpty())
-        QFile::remove(std::exchange(task.reservedCopy, {}));
+    m_changed.insert(key);
 }
 
 void DownloadDriver::endPresent(const QString &key)
@@ -146,4 +144,13 @@ void DownloadDriver::endPresent(const QString &key)
         }
     }
     end(key, result);
+}
+
+// A task is at rest when neither its video nor its thumbnail is at work.
+void DownloadDriver::settleIfAtRest(const QString &key)
+{
+    const bool isAtWork =
+        m_tasks.contains(key) || m_thumbnails.contains(key) || m_thumbnailsToGet.contains(key);
+    if (m_keeper != nullptr && !isAtWork)
+        m_keeper->settle(key);
 }

@@ -1,5 +1,6 @@
 #include "driver/taskrecord.h"
 
+#include <QFile>
 #include <QFileInfo>
 
 namespace taskrecord {
@@ -59,6 +60,31 @@ bool isComplete(const CXMLInfo &record)
 bool isDownloaded(const CXMLInfo &record)
 {
     return isWhole(record.FileName, record);
+}
+
+bool isBegunCopy(const QString &copy, const QString &video)
+{
+    QFile begun(copy);
+    QFile whole(video);
+    if (QFileInfo(copy).isSymLink() || !begun.open(QIODevice::ReadOnly) ||
+        !whole.open(QIODevice::ReadOnly) || begun.size() >= whole.size())
+        return false;
+    constexpr qint64 blockSize = qint64{1} << 20;
+    while (!begun.atEnd()) {
+        const QByteArray block = begun.read(blockSize);
+        if (block.isEmpty() || whole.read(block.size()) != block)
+            return false;
+    }
+    return true;
+}
+
+bool lacksOnlyItsCopy(const CXMLInfo &record)
+{
+    const QString copy = record.SaveAsPath + u'/' + QFileInfo(record.FileName).fileName();
+    if (record.IsOrgVideo != 1 || !isDownloaded(record) || copy != record.SaveAsFileName)
+        return false;
+    const QFileInfo file(copy);
+    return (!file.exists() && !file.isSymLink()) || isBegunCopy(copy, record.FileName);
 }
 
 DownloadRequest requestFor(const CXMLInfo &record)

@@ -9,6 +9,14 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
+/**
+ * Tells which files an unfinished download to `path` may have left beside it: the engine's matter,
+ * so the application passes the function in. Thread-safe.
+ */
+using UnfinishedFiles = std::function<QStringList(const QString &path)>;
+
 namespace taskrecord {
 
 TaskState stateOf(const CXMLInfo &record);
@@ -27,6 +35,15 @@ bool isComplete(const CXMLInfo &record);
 
 /** Whether the downloaded video is there and has the size that it had. */
 bool isDownloaded(const CXMLInfo &record);
+
+/**
+ * Whether the copy at `copy` of the file at `video` has been begun and not ended: a file that is
+ * shorter, but what there is of it is the same.
+ */
+bool isBegunCopy(const QString &copy, const QString &video);
+
+/** Whether all that the task lacks is the copy of its video, which can be made in its place. */
+bool lacksOnlyItsCopy(const CXMLInfo &record);
 
 /** The request that goes on with the task where it is, with the same wishes. */
 DownloadRequest requestFor(const CXMLInfo &record);

@@ -1,16 +1,18 @@
-// A larger picture for a finished task. The library deletes the old video as soon as the site
-// offers a larger one; here it is kept aside until the new one is complete.
-#include "driver/downloaddriver.h"
+#include "driver/upgrade.h"
 
-#include "driver/taskrecord.h"
+#include "driver/disk.h"
+#include "driver/taskstate.h"
 #include "video/formatentry.h"
 
 #include <QFile>
 #include <QFileInfo>
 
-#include <utility>
-
 namespace {
+
+UpgradeFiles::Pair pairFor(const QString &path)
+{
+    return {path, path + QLatin1String(".former")};
+}
 
 qint64 areaOf(const PictureSize &picture)
 {
@@ -19,85 +21,90 @@ qint64 areaOf(const PictureSize &picture)
 
 } // namespace
 
-int DownloadDriver::requestUpgrade(const QString &key, Task &task, Profile_Desc profile)
+Upgrade::Upgrade(const CXMLInfo &record)
+    : m_profile(*record.Profile->m_pDesc),
+      m_keepsSource(record.IsOrgVideo),
+      m_picture{record.VideoWidth, record.VideoHeight},
+      m_extension(record.VideoExt),
+      m_fileName(record.FileName),
+      m_baseName(record.BaseName),
+      m_title(record.Title),
+      m_copyName(record.SaveAsFileName),
+      m_copyExtension(record.SaveAsExt),
+      m_conversion(record.ConvertionDesc),
+      m_size(record.FileSize)
 {
-    const ControllerLock lock;
-    CXMLInfo &record = *m_controller->getXMLInfo(key);
-    task.former = Former{*record.Profile->m_pDesc,
-                         record.IsOrgVideo,
-                         {record.VideoWidth, record.VideoHeight},
-                         record.VideoExt,
-                         record.FileName,
-                         record.BaseName,
-                         record.Title,
-                         record.SaveAsFileName,
-                         record.SaveAsExt,
-                         record.FileSize,
-                         {}};
-    if (!m_controller->IsReDownLoadVideo(key, &profile)) {
-        task.finding = Finding::AlreadyAsLarge;
-        return -1;
-    }
-    record.IsOrgVideo = task.former->keepsSource; // the library forgets it
-    // The library does not tell whether the engine took the parse.
-    return m_DownloadAllTask.contains(key) || m_mailbox.holdsEndOf(key) ? 0 : -1;
+    m_files.old.append(pairFor(m_fileName));
+    const bool hasCopy =
+        m_keepsSource == 1 && m_copyName != m_fileName &&
+        QFileInfo(m_copyName).canonicalFilePath() != QFileInfo(m_fileName).canonicalFilePath() &&
+        QFileInfo(m_copyName).size() == m_size;
+    if (hasCopy)
+        m_files.old.append(pairFor(m_copyName));
 }
 
-// The last look before the video is fetched: false when the task has ended here.
-bool DownloadDriver::confirmUpgrade(const QString &key, Task &task, const PictureSize &offer)
+bool Upgrade::isLarger(const PictureSize &picture) const
 {
-    if (!task.former || !task.former->keptFile.isEmpty()) // asked for, and agreed before
-        return true;
-    Former &former = *task.former;
-    former.keptFile = former.fileName + QLatin1String(".former");
-    if (areaOf(offer) > areaOf(former.picture) &&
-        !QFile::rename(former.fileName, former.keptFile)) {
-        const QString file = std::exchange(former.keptFile, {});
-        endFailed(key, {QStringLiteral("the old video cannot be kept as \"%1\"").arg(file),
-                        QStringLiteral("Move away what is in its place.")});
-        return false;
-    }
-    if (areaOf(offer) <= areaOf(former.picture) || !m_controller->IsBetterVideo(key)) {
-        task.finding = Finding::NoneLarger;
-        endPresent(key);
-        return false;
-    }
-    if (m_settings.thumbnails)
-        m_thumbnailsToGet.append(key);
-    return true;
+    return areaOf(picture) > areaOf(m_picture);
 }
 
-// A new video takes the old one's place; otherwise all is as it was.
-void DownloadDriver::endUpgrade(const QString &key, Task &task, DownloadResult &result)
+std::optional<QString> Upgrade::setAside()
 {
-    if (!task.former)
-        return;
-    const Former &former = *task.former;
-    const ControllerLock lock;
-    CXMLInfo *record = m_controller->getXMLInfo(key);
-    if (record == nullptr)
-        return;
-    result.former = former.picture;
-    const bool larger =
-        result.outcome == DownloadOutcome::Finished && task.finding == Finding::Downloaded;
-    if (larger) {
-        QFile::remove(former.keptFile);
-    } else {
-        if (!former.keptFile.isEmpty())
-            QFile::rename(former.keptFile, former.fileName);
-        *record->Profile->m_pDesc = former.profile;
-        record->IsOrgVideo = former.keepsSource;
-        record->VideoWidth = former.picture.width;
-        record->VideoHeight = former.picture.height;
-        record->VideoExt = former.extension;
-        record->FileName = former.fileName;
-        record->BaseName = former.baseName;
-        record->Title = former.title;
-        record->SaveAsFileName = former.copyName;
-        record->SaveAsExt = former.copyExtension;
-        record->FileSize = former.size;
-        record->State = int(TaskState::Finished);
-        record->Progress = 100;
+    for (const auto &[path, aside] : std::as_const(m_files.old)) {
+        if (disk::isTaken(aside))
+            return aside;
     }
-    result.picture = {record->VideoWidth, record->VideoHeight};
+    m_isSetAside = true;
+    for (const auto &[path, aside] : std::as_const(m_files.old)) {
+        if (!disk::rename(path, aside)) {
+            rollBack();
+            return aside;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<QString> Upgrade::commit()
+{
+    std::optional<QString> left;
+    for (const auto &[path, aside] : std::as_const(m_files.old)) {
+        if (!QFile::remove(aside) && disk::isTaken(aside))
+            left = aside;
+    }
+    return left;
+}
+
+// What is in the old file's place by now is an empty file that held the name, or nothing.
+std::optional<QString> Upgrade::rollBack()
+{
+    std::optional<QString> left;
+    if (!m_isSetAside)
+        return left;
+    for (const auto &[path, aside] : std::as_const(m_files.old)) {
+        const bool isBack = !disk::isTaken(aside) || disk::rename(aside, path);
+        if (!isBack && !left)
+            left = aside;
+    }
+    m_isSetAside = left.has_value();
+    return left;
+}
+
+void Upgrade::restore(CXMLInfo &record) const
+{
+    const auto &[path, aside] = m_files.old.first();
+    const bool isAside = m_isSetAside && disk::isTaken(aside);
+    *record.Profile->m_pDesc = m_profile;
+    record.IsOrgVideo = m_keepsSource;
+    record.VideoWidth = m_picture.width;
+    record.VideoHeight = m_picture.height;
+    record.VideoExt = m_extension;
+    record.FileName = isAside ? aside : m_fileName;
+    record.BaseName = m_baseName;
+    record.Title = m_title;
+    record.SaveAsFileName = m_copyName;
+    record.SaveAsExt = m_copyExtension;
+    record.ConvertionDesc = m_conversion;
+    record.FileSize = m_size;
+    record.State = int(TaskState::Finished);
+    record.Progress = 100;
 }

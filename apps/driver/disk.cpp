@@ -1,0 +1,73 @@
+#include "driver/disk.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace disk {
+
+namespace {
+
+bool sync(const QString &path, int flags)
+{
+    const int descriptor = ::open(QFile::encodeName(path).constData(), flags | O_CLOEXEC);
+    if (descriptor < 0)
+        return false;
+    const bool synced = ::fsync(descriptor) == 0 || errno == EINVAL;
+    return ::close(descriptor) == 0 && synced;
+}
+
+} // namespace
+
+bool writeAll(int descriptor, const QByteArray &bytes)
+{
+    for (qsizetype done = 0; done < bytes.size();) {
+        const ssize_t written =
+            ::write(descriptor, bytes.constData() + done, std::size_t(bytes.size() - done));
+        if (written > 0)
+            done += written;
+        else if (written == 0 || errno != EINTR)
+            return false;
+    }
+    return true;
+}
+
+bool syncFile(const QString &path)
+{
+    return sync(path, O_WRONLY);
+}
+
+bool syncFolder(const QString &path)
+{
+    return sync(path, O_RDONLY | O_DIRECTORY);
+}
+
+bool isTaken(const QString &path)
+{
+    const QFileInfo file(path);
+    return file.exists() || file.isSymLink();
+}
+
+void removeIfEmpty(const QString &path)
+{
+    const QFileInfo file(path);
+    if (!path.isEmpty() && !file.isSymLink() && file.isFile() && file.size() == 0)
+        QFile::remove(path);
+}
+
+bool makeEmpty(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly | QIODevice::NewOnly);
+}
+
+bool rename(const QString &from, const QString &to)
+{
+    return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
+}
+
+} // namespace disk
