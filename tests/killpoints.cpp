@@ -14,6 +14,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdarg>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -76,12 +77,12 @@ bool writes(int flags)
 }
 
 // One disk for all threads: it takes one piece after the other.
-void takeTime(std::size_t bytes, long rate)
+void takeTime(std::int64_t bytes, std::int64_t rate)
 {
     using Clock = std::chrono::steady_clock;
     static std::mutex mutex;
     static Clock::time_point idleFrom;
-    const auto time = std::chrono::microseconds(long(bytes) * 1000000 / rate);
+    const auto time = std::chrono::microseconds(bytes * 1000000 / rate);
     Clock::time_point end;
     {
         const std::lock_guard lock(mutex);
@@ -105,7 +106,7 @@ ssize_t transfer(std::size_t size, const Piece &piece)
         const ssize_t result = piece(done, std::min(most, size - done));
         if (result <= 0)
             return done > 0 ? ssize_t(done) : result;
-        takeTime(std::size_t(result), rate);
+        takeTime(result, rate);
         done += std::size_t(result);
     }
     return ssize_t(done);
