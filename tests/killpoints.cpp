@@ -1,0 +1,290 @@
+// Preloaded into the program by scripts/test-kills: kills it at a call that changes files, and
+// makes its disk slow. The environment says what is wanted:
+//   KILLPOINTS_BEFORE, KILLPOINTS_AFTER  the number of the call before or after which it is killed
+//   KILLPOINTS_COUNT                     a file to write the number of calls to, at a regular end
+//   KILLPOINTS_RATE                      bytes a second that all files together take
+//   KILLPOINTS_SYNC                      milliseconds that each flush to the disk takes
+// Calls are counted over all threads, but only those on files that are open for writing, so that
+// sockets, pipes and the libraries that a program loads do not count.
+
+#undef _FILE_OFFSET_BITS // or the header's "open" would be another function's name
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <cstdarg>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <mutex>
+#include <sys/stat.h>
+#include <sys/uio.h>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+std::atomic<long> calls{0};
+
+long setting(const char *name)
+{
+    const char *const text = std::getenv(name);
+    return text ? std::strtol(text, nullptr, 10) : 0;
+}
+
+[[noreturn]] void die()
+{
+    std::raise(SIGKILL);
+    std::abort();
+}
+
+class Call
+{
+public:
+    explicit Call(bool counts) : m_number(counts ? ++calls : -1)
+    {
+        static const long last = setting("KILLPOINTS_BEFORE");
+        if (m_number == last)
+            die();
+    }
+    Call(const Call &) = delete;
+    Call &operator=(const Call &) = delete;
+    ~Call()
+    {
+        static const long last = setting("KILLPOINTS_AFTER");
+        if (m_number == last)
+            die();
+    }
+
+private:
+    long m_number;
+};
+
+bool isWritten(int file)
+{
+    struct stat facts = {};
+    return fstat(file, &facts) == 0 && S_ISREG(facts.st_mode) &&
+           (fcntl(file, F_GETFL) & O_ACCMODE) != O_RDONLY;
+}
+
+bool writes(int flags)
+{
+    return (flags & O_ACCMODE) != O_RDONLY || (flags & O_CREAT) != 0;
+}
+
+// One disk for all threads: it takes one piece after the other.
+void takeTime(std::int64_t bytes, std::int64_t rate)
+{
+    using Clock = std::chrono::steady_clock;
+    static std::mutex mutex;
+    static Clock::time_point idleFrom;
+    const auto time = std::chrono::microseconds(bytes * 1000000 / rate);
+    Clock::time_point end;
+    {
+        const std::lock_guard lock(mutex);
+        idleFrom = std::max(idleFrom, Clock::now()) + time;
+        end = idleFrom;
+    }
+    std::this_thread::sleep_until(end);
+}
+
+// A slow disk takes bytes piece by piece, so that a kill may fall in between. The piece gets how
+// many bytes are done and how many are wanted, and returns what the system call does.
+template <typename Piece>
+ssize_t transfer(std::size_t size, const Piece &piece)
+{
+    static const long rate = setting("KILLPOINTS_RATE");
+    if (rate == 0)
+        return piece(0, size);
+    constexpr std::size_t most = 4096;
+    std::size_t done = 0;
+    while (done < size) {
+        const ssize_t result = piece(done, std::min(most, size - done));
+        if (result <= 0)
+            return done > 0 ? ssize_t(done) : result;
+        takeTime(result, rate);
+        done += std::size_t(result);
+    }
+    return ssize_t(done);
+}
+
+void waitForSync()
+{
+    static const long milliseconds = setting("KILLPOINTS_SYNC");
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}
+
+__attribute__((destructor)) void tellCalls()
+{
+    const char *const path = std::getenv("KILLPOINTS_COUNT");
+    const long number = calls;
+    if (std::FILE *const file = path ? std::fopen(path, "w") : nullptr) {
+        std::fprintf(file, "%ld\n", number);
+        std::fclose(file);
+    }
+}
+
+} // namespace
+
+// The function that would have been called without this library.
+#define REAL(name)                                                                                 \
+    static const auto real = reinterpret_cast<decltype(&(name))>(dlsym(RTLD_NEXT, #name))
+
+#define WRAP_OPEN(name)                                                                            \
+    int name(const char *path, int flags, ...)                                                     \
+    {                                                                                              \
+        REAL(name);                                                                                \
+        std::va_list list;                                                                         \
+        va_start(list, flags);                                                                     \
+        const mode_t mode = va_arg(list, mode_t);                                                  \
+        va_end(list);                                                                              \
+        const Call call(writes(flags));                                                            \
+        return real(path, flags, mode);                                                            \
+    }
+
+#define WRAP_OPENAT(name)                                                                          \
+    int name(int folder, const char *path, int flags, ...)                                         \
+    {                                                                                              \
+        REAL(name);                                                                                \
+        std::va_list list;                                                                         \
+        va_start(list, flags);                                                                     \
+        const mode_t mode = va_arg(list, mode_t);                                                  \
+        va_end(list);                                                                              \
+        const Call call(writes(flags));                                                            \
+        return real(folder, path, flags, mode);                                                    \
+    }
+
+#define WRAP_FOPEN(name)                                                                           \
+    std::FILE *name(const char *path, const char *mode)                                            \
+    {                                                                                              \
+        REAL(name);                                                                                \
+        const Call call(std::strpbrk(mode, "wa+") != nullptr);                                     \
+        return real(path, mode);                                                                   \
+    }
+
+#define WRAP_PATH(name)                                                                            \
+    int name(const char *path) noexcept                                                            \
+    {                                                                                              \
+        REAL(name);                                                                                \
+        const Call call(true);                                                                     \
+        return real(path);                                                                         \
+    }
+
+#define WRAP_PATHS(name)                                                                           \
+    int name(const char *from, const char *to) noexcept                                            \
+    {                                                                                              \
+        REAL(name);                                                                                \
+        const Call call(true);                                                                     \
+        return real(from, to);                                                                     \
+    }
+
+#define WRAP_SYNC(name)                                                                            \
+    int name(int file)                                                                             \
+    {                                                                                              \
+        REAL(name);                                                                                \
+        const Call call(true);                                                                     \
+        waitForSync();                                                                             \
+        return real(file);                                                                         \
+    }
+
+#define WRAP_PWRITE(name, offset_type)                                                             \
+    ssize_t name(int file, const void *data, size_t size, offset_type offset)                      \
+    {                                                                                              \
+        REAL(name);                                                                                \
+        const Call call(isWritten(file));                                                          \
+        return transfer(size, [=](std::size_t done, std::size_t part) {                            \
+            return real(file, static_cast<const char *>(data) + done, part,                        \
+                        offset + static_cast<offset_type>(done));                                  \
+        });                                                                                        \
+    }
+
+#define WRAP_TRUNCATE(name, offset_type)                                                           \
+    int name(int file, offset_type size) noexcept                                                  \
+    {                                                                                              \
+        REAL(name);                                                                                \
+        const Call call(true);                                                                     \
+        return real(file, size);                                                                   \
+    }
+
+extern "C" {
+
+WRAP_OPEN(open)
+WRAP_OPEN(open64)
+WRAP_OPENAT(openat)
+WRAP_OPENAT(openat64)
+WRAP_FOPEN(fopen)
+WRAP_FOPEN(fopen64)
+WRAP_PATH(unlink)
+WRAP_PATH(remove)
+WRAP_PATHS(rename)
+WRAP_PATHS(link)
+WRAP_SYNC(fsync)
+WRAP_SYNC(fdatasync)
+WRAP_PWRITE(pwrite, off_t)
+WRAP_PWRITE(pwrite64, off64_t)
+WRAP_TRUNCATE(ftruncate, off_t)
+WRAP_TRUNCATE(ftruncate64, off64_t)
+
+int renameat2(int fromFolder, const char *from, int toFolder, const char *to,
+              unsigned flags) noexcept
+{
+    REAL(renameat2);
+    const Call call(true);
+    return real(fromFolder, from, toFolder, to, flags);
+}
+
+int mkdir(const char *path, mode_t mode) noexcept
+{
+    REAL(mkdir);
+    const Call call(true);
+    return real(path, mode);
+}
+
+int close(int file)
+{
+    REAL(close);
+    const Call call(isWritten(file));
+    return real(file);
+}
+
+int fclose(std::FILE *file)
+{
+    REAL(fclose);
+    const Call call(isWritten(fileno(file)));
+    return real(file);
+}
+
+ssize_t write(int file, const void *data, size_t size)
+{
+    REAL(write);
+    const bool isFile = isWritten(file);
+    const Call call(isFile);
+    if (!isFile)
+        return real(file, data, size);
+    return transfer(size, [=](std::size_t done, std::size_t part) {
+        return real(file, static_cast<const char *>(data) + done, part);
+    });
+}
+
+ssize_t writev(int file, const iovec *parts, int count)
+{
+    REAL(writev);
+    const Call call(isWritten(file));
+    return real(file, parts, count);
+}
+
+ssize_t copy_file_range(int from, off64_t *fromOffset, int to, off64_t *toOffset, size_t size,
+                        unsigned flags)
+{
+    REAL(copy_file_range);
+    const Call call(true);
+    return transfer(size, [=](std::size_t, std::size_t part) {
+        return real(from, fromOffset, to, toOffset, part, flags);
+    });
+}
+
+} // extern "C"
