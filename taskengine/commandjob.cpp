@@ -39,7 +39,7 @@ void CommandJob::work(Clock::time_point now)
     const bool mayWriteMore = m_process.read(m_output);
     const auto status = mayWriteMore ? std::nullopt : m_process.exitStatus();
     if (m_output.size() > options().responseLimit)
-        fail(permanent(Failure::ResponseTooLarge));
+        fail(permanent(Failure::UnusableOutput));
     else if (status)
         conclude(*status);
     else if (hasTimeLimit() && now >= m_deadline)
@@ -53,12 +53,10 @@ void CommandJob::conclude(int status)
         fail(permanent(Failure::CommandNotFound));
     else if (status != 0)
         fail(permanent(Failure::CommandFailed));
-    else if (m_output.empty())
-        fail(permanent(Failure::EmptyResponse));
     else if (lines.empty())
-        fail(permanent(Failure::MalformedResponse));
+        fail(permanent(Failure::UnusableOutput));
     else
-        finish({DOWN_STATE_PARSE_SUCCESS, 0, std::move(lines)});
+        finish({DOWN_STATE_PARSE_SUCCESS, 0, std::move(lines), {}});
 }
 
 void CommandJob::setPaused(bool paused)

@@ -1,12 +1,51 @@
 #include "taskengine/downloadjob.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace taskengine {
 
 namespace {
 
 constexpr std::chrono::milliseconds reportInterval{250};
+
+/** What nobody takes up again is not left behind. */
+void leavePart(PartFile &part, bool mayContinue)
+{
+    if (mayContinue && part.isOpen())
+        part.keep();
+    else
+        part.discard();
+}
+
+/** Gives the part file the name of the target. */
+class PartCompletion : public Completion
+{
+public:
+    PartCompletion(std::unique_ptr<PartFile> part, std::shared_ptr<TargetFile> target, bool isVideo)
+        : m_part(std::move(part)), m_target(std::move(target)), m_isVideo(isVideo)
+    {
+    }
+
+    ~PartCompletion() override
+    {
+        leavePart(*m_part, m_isVideo);
+        m_target->release();
+    }
+
+    std::optional<Fault> commit() override
+    {
+        const auto fault = m_part->commit(m_target->path());
+        if (!fault)
+            m_target->keep();
+        return fault;
+    }
+
+private:
+    const std::unique_ptr<PartFile> m_part;
+    const std::shared_ptr<TargetFile> m_target;
+    const bool m_isVideo;
+};
 
 } // namespace
 
@@ -23,28 +62,25 @@ void DownloadJob::beginTry()
         fail(*fault);
         return;
     }
-    m_asked = m_part.size();
+    m_asked = m_part->size();
     m_meter.restart(m_asked, Clock::now());
-    fetch({request().record.szDownloadURL, m_asked, m_part.facts().validator});
+    fetch({request().record.szDownloadURL, m_asked, m_part->facts().validator});
 }
 
 /** Ready to go on at its end, or empty. */
 std::optional<Fault> DownloadJob::openPart()
 {
-    if (!m_part.isOpen())
-        return m_part.open(target().path(), request().record.szTaskKey);
-    if (m_part.size() == 0 || (isVideo() && m_part.canContinue()))
+    if (!m_part->isOpen())
+        return m_part->open(target()->path(), request().record.szTaskKey);
+    if (m_part->size() == 0 || (isVideo() && m_part->canContinue()))
         return std::nullopt;
     warnNoResume();
-    return m_part.restart();
+    return m_part->restart();
 }
 
 void DownloadJob::leaveFiles(bool mayContinue)
 {
-    if (isVideo() && mayContinue && m_part.isOpen())
-        m_part.keep();
-    else
-        m_part.discard();
+    leavePart(*m_part, isVideo() && mayContinue);
 }
 
 void DownloadJob::work(Clock::time_point now)
@@ -78,15 +114,15 @@ std::optional<Fault> DownloadJob::judgeKind(const ResponseHead &head) const
 /** Also the answer to a range that the site does not serve, or no longer has. */
 std::optional<Fault> DownloadJob::beginWhole(const ResponseHead &head)
 {
-    if (m_part.size() > 0) {
+    if (m_part->size() > 0) {
         warnNoResume();
-        if (const auto fault = m_part.restart())
+        if (const auto fault = m_part->restart())
             return fault;
     }
     m_end = head.length;
     m_begun = Clock::now();
     if (isVideo())
-        m_part.remember(head.length, head.validator);
+        m_part->remember(head.length, head.validator);
     return expect(head.length);
 }
 
@@ -94,7 +130,7 @@ std::optional<Fault> DownloadJob::continuePart(const ResponseHead &head)
 {
     if (m_asked == 0)
         return permanent(Failure::MalformedResponse);
-    const PartFacts &facts = m_part.facts();
+    const PartFacts &facts = m_part->facts();
     const bool isSameFile = (head.validator.empty() || head.validator == facts.validator) &&
                             head.range &&
                             (head.range->total < 0 || head.range->total == facts.total);
@@ -107,17 +143,17 @@ std::optional<Fault> DownloadJob::continuePart(const ResponseHead &head)
 /** RFC 9110, section 15.5.17: the size in the answer tells whether there is nothing left to get. */
 std::optional<Fault> DownloadJob::judgeUnsatisfiable(const ResponseHead &head)
 {
-    const bool isWhole = m_part.size() == m_part.facts().total;
-    m_complete = isWhole && head.range && head.range->total == m_part.size();
+    const bool isWhole = m_part->size() == m_part->facts().total;
+    m_complete = isWhole && head.range && head.range->total == m_part->size();
     if (m_complete)
-        return expect(m_part.size());
+        return expect(m_part->size());
     return startOver();
 }
 
 /** The site cannot be trusted with ranges of this file: the next try asks for all of it. */
 Fault DownloadJob::startOver()
 {
-    m_part.remember(-1, {});
+    m_part->remember(-1, {});
     return transient(Failure::RangeMismatch);
 }
 
@@ -128,19 +164,19 @@ std::optional<Fault> DownloadJob::expect(std::int64_t total)
         m_sizeReported = total;
         post(DOWN_STATE_FILE_SIZE, static_cast<double>(total));
     }
-    if (!m_part.hasSpaceFor(total - m_part.size()))
+    if (!m_part->hasSpaceFor(total - m_part->size()))
         return permanent(Failure::DiskFull);
     return std::nullopt;
 }
 
 std::optional<Fault> DownloadJob::take(const char *data, std::size_t length)
 {
-    const std::int64_t end = m_part.size() + static_cast<std::int64_t>(length);
+    const std::int64_t end = m_part->size() + static_cast<std::int64_t>(length);
     if (m_end >= 0 && end > m_end)
         return startOver();
     if (!isVideo() && end > static_cast<std::int64_t>(options().imageLimit))
         return permanent(Failure::ResponseTooLarge);
-    const auto fault = m_part.append(data, length);
+    const auto fault = m_part->append(data, length);
     report(Clock::now());
     return fault;
 }
@@ -149,23 +185,24 @@ std::optional<Fault> DownloadJob::complete()
 {
     if (const auto fault = judgeLength())
         return fault;
-    const std::int64_t size = m_part.size();
-    if (const auto fault = m_part.commit(target().path()))
-        return fault;
-    target().keep();
+    const std::int64_t size = m_part->size();
     if (isVideo() && size != m_sizeReported)
         post(DOWN_STATE_FILE_SIZE, static_cast<double>(size));
     if (m_meter.isNews(size))
         post(DOWN_STATE_DOWNLOAD_PROGRESS, static_cast<double>(size));
-    finish({DOWN_STATE_DOWNLOAD_FINISH, static_cast<double>(size)});
+    auto part = std::exchange(m_part, std::make_unique<PartFile>());
+    finish({DOWN_STATE_DOWNLOAD_FINISH,
+            static_cast<double>(size),
+            {},
+            std::make_unique<PartCompletion>(std::move(part), target(), isVideo())});
     return std::nullopt;
 }
 
 std::optional<Fault> DownloadJob::judgeLength() const
 {
-    if (m_part.size() == 0)
+    if (m_part->size() == 0)
         return permanent(Failure::EmptyResponse);
-    if (m_total >= 0 && m_part.size() < m_total)
+    if (m_total >= 0 && m_part->size() < m_total)
         return transient(Failure::ShortBody);
     return std::nullopt;
 }
@@ -180,10 +217,10 @@ void DownloadJob::warnNoResume()
 void DownloadJob::report(Clock::time_point now)
 {
     if (now - m_begun >= reportInterval)
-        m_part.note(); // what takes so long may be broken off, and is worth continuing
-    if (const auto position = m_meter.progress(m_part.size(), now))
+        m_part->note(); // what takes so long may be broken off, and is worth continuing
+    if (const auto position = m_meter.progress(m_part->size(), now))
         post(DOWN_STATE_DOWNLOAD_PROGRESS, static_cast<double>(*position));
-    if (const auto speed = m_meter.speed(m_part.size(), now))
+    if (const auto speed = m_meter.speed(m_part->size(), now))
         post(DOWN_STATE_DOWNLOAD_SPEED, std::max(*speed, 0.0));
 }
 

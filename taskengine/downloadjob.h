@@ -38,7 +38,7 @@ private:
     void warnNoResume();
     void report(Clock::time_point now);
 
-    PartFile m_part;
+    std::unique_ptr<PartFile> m_part = std::make_unique<PartFile>(); ///< never null
     ProgressMeter m_meter;
     std::int64_t m_total = -1;   ///< bytes of the whole file, -1 while unknown
     Clock::time_point m_begun{}; ///< when the body that is received began

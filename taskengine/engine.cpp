@@ -42,7 +42,7 @@ bool Engine::submit(RequestKind kind, const tagTaskInfo &record)
     if (!request->isUsable() || !m_table->isFree(request->record.szTaskKey))
         return false;
     if (kind != RequestKind::Parse)
-        request->target.reserve(request->record.szSavePath);
+        request->target->reserve(request->record.szSavePath);
     if (!m_table->submit(request))
         return false;
     m_loop.wake();

@@ -3,12 +3,28 @@
 #define VIDEODOWN_TASKENGINE_EVENTQUEUE_H
 
 #include "engine/taskengine.h"
+#include "taskengine/failure.h"
 
 #include <deque>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace taskengine {
+
+/** The last step of a download, done when all that was to be told before it has been told. */
+class Completion
+{
+public:
+    Completion() = default;
+    Completion(const Completion &) = delete;
+    Completion &operator=(const Completion &) = delete;
+    /** Unless the step was done, leaves things for a later request. */
+    virtual ~Completion() = default;
+
+    /** Does the step, on a callback thread. @return why that failed */
+    virtual std::optional<Fault> commit() = 0;
+};
 
 /** One call of a callback. */
 struct Event
@@ -16,6 +32,7 @@ struct Event
     tagDownloadStateCode code;
     double value = 0;
     std::string text{}; ///< the response that goes with DOWN_STATE_PARSE_SUCCESS
+    std::unique_ptr<Completion> completion{}; ///< comes before DOWN_STATE_DOWNLOAD_FINISH
 };
 
 /** The events of one request that are still to be delivered. */

@@ -110,6 +110,11 @@ Fault fileFault(int error)
         return permanent(Failure::FolderMissing);
     case ENAMETOOLONG:
         return permanent(Failure::NameTooLong);
+    case EMFILE:
+    case ENFILE:
+        return permanent(Failure::TooManyFiles);
+    case EIO:
+        return permanent(Failure::DiskError);
     default:
         return permanent(Failure::FileNotWritable);
     }

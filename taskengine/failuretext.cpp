@@ -17,6 +17,7 @@ struct Words
 constexpr const char *parseAgain = "The address may have expired: parse the page again.";
 constexpr const char *tryLater = "Try again later.";
 constexpr const char *checkAddress = "Check the address.";
+constexpr const char *byHand = "Run the command by hand with this address to see what it says.";
 
 constexpr int valueOf(Failure failure)
 {
@@ -41,7 +42,7 @@ constexpr std::array<Words, 14> statuses{{
     {504, "Gateway Timeout", tryLater},
 }};
 
-constexpr std::array<Words, 23> failures{{
+constexpr std::array<Words, 26> failures{{
     {valueOf(Failure::BadAddress), "not the address of a video", checkAddress},
     {valueOf(Failure::ForbiddenProtocol), "the address leads away from HTTP and HTTPS",
      checkAddress},
@@ -66,15 +67,18 @@ constexpr std::array<Words, 23> failures{{
     {valueOf(Failure::NameTooLong), "the file's name is too long",
      "Choose a download folder with a shorter path or another file system."},
     {valueOf(Failure::FileNotWritable), "the file cannot be written",
-     "Check the permissions of the download folder."},
+     "Check the permissions of the download folder, and what is in the file's place."},
     {valueOf(Failure::FileInUse), "another download is writing this file",
      "Wait until it has ended."},
     {valueOf(Failure::DiskFull), "the disk is full", "Free some space and try again."},
     {valueOf(Failure::CommandNotFound), "the video-info command cannot be started",
      "Check the name of the command and that it is installed."},
-    {valueOf(Failure::CommandFailed), "the video-info command failed",
-     "Run the command by hand with this address to see its message."},
+    {valueOf(Failure::CommandFailed), "the video-info command failed", byHand},
     {valueOf(Failure::Internal), "internal error", ""},
+    {valueOf(Failure::TooManyFiles), "too many files are open",
+     "Download fewer videos at once, or allow more open files."},
+    {valueOf(Failure::DiskError), "the disk reports an error", "Check the disk."},
+    {valueOf(Failure::UnusableOutput), "the video-info command gave no usable answer", byHand},
 }};
 
 template <typename Table>

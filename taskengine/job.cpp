@@ -31,8 +31,8 @@ void Job::start()
 {
     const bool isParse = m_request->kind == RequestKind::Parse;
     post(isParse ? DOWN_STATE_START_PARSE : DOWN_STATE_START_DOWNLOAD);
-    if (m_request->target.fault())
-        fail(*m_request->target.fault());
+    if (m_request->target->fault())
+        fail(*m_request->target->fault());
     else
         beginTry();
 }
@@ -41,7 +41,7 @@ void Job::stop()
 {
     cutTry();
     cleanUp(true);
-    finish({DOWN_STATE_USER_STOP});
+    finish({DOWN_STATE_USER_STOP, 0, {}, {}});
 }
 
 void Job::abandon()
@@ -77,12 +77,12 @@ Clock::time_point Job::wakeTime() const
 void Job::cleanUp(bool mayContinue)
 {
     leaveFiles(mayContinue);
-    m_request->target.release();
+    m_request->target->release();
 }
 
 void Job::post(tagDownloadStateCode code, double value)
 {
-    m_context.events.post(m_request, {code, value});
+    m_context.events.post(m_request, {code, value, {}, {}});
 }
 
 void Job::fail(const Fault &fault)
@@ -116,7 +116,7 @@ void Job::giveUp(const Fault &fault)
     if (isDiskFull)
         post(DOWN_STATE_DISK_NO_SPACE);
     const bool isParse = m_request->kind == RequestKind::Parse;
-    finish({isParse ? DOWN_STATE_PARSE_FAIL : DOWN_STATE_DOWNLOAD_FAIL, fault.value});
+    finish({isParse ? DOWN_STATE_PARSE_FAIL : DOWN_STATE_DOWNLOAD_FAIL, fault.value, {}, {}});
 }
 
 void Job::finish(Event event)

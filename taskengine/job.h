@@ -19,7 +19,8 @@ struct JobContext
 
 /**
  * Lives on the transfer thread, from the start of its request until its terminal event is queued.
- * Files are in their final state before that.
+ * Files are in their final state before that; those of a complete download are handed to a
+ * `Completion` that goes with the event.
  */
 class Job
 {
@@ -53,7 +54,7 @@ public:
 protected:
     const Request &request() const { return *m_request; }
     const Options &options() const { return *m_request->options; }
-    TargetFile &target() { return m_request->target; }
+    const std::shared_ptr<TargetFile> &target() const { return m_request->target; }
     CURLM *multi() const { return m_context.multi; }
     bool isPaused() const { return m_paused; }
 

@@ -92,7 +92,10 @@ enum class Failure {
     DiskFull = 1019,          ///< no space, or less than the video will need
     CommandNotFound = 1020,   ///< the video-info command cannot be started
     CommandFailed = 1021,     ///< the video-info command ended with an error
-    Internal = 1022,          ///< none of the above, for instance out of memory
+    Internal = 1022,          ///< none of the others, for instance out of memory
+    TooManyFiles = 1023,      ///< the program or the system has too many files open
+    DiskError = 1024,         ///< the disk cannot be read or written
+    UnusableOutput = 1025,    ///< the video-info command printed no field, or too much
 };
 
 /** Settings that hold for the whole engine. A duration of 0 turns a limit off. */

@@ -52,7 +52,7 @@ std::optional<Fault> ParseJob::complete()
     std::string lines = m_source->lines(m_answer);
     if (lines.empty())
         return permanent(Failure::MalformedResponse);
-    finish({DOWN_STATE_PARSE_SUCCESS, 0, std::move(lines)});
+    finish({DOWN_STATE_PARSE_SUCCESS, 0, std::move(lines), {}});
     return std::nullopt;
 }
 

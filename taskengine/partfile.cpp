@@ -167,7 +167,7 @@ std::optional<Fault> PartFile::commit(const std::string &target)
     if (closed != 0)
         return fileFault(errno);
     if (std::rename(m_path.c_str(), target.c_str()) != 0)
-        return permanent(Failure::FileNotWritable);
+        return fileFault(errno);
     forgetNote();
     close();
     return std::nullopt;

@@ -28,13 +28,6 @@ bool hasUsableProxy(const tagTaskInfo &record)
             isTerminated(proxy.szProxyText3));
 }
 
-bool isTerminal(tagDownloadStateCode code)
-{
-    return code == DOWN_STATE_PARSE_SUCCESS || code == DOWN_STATE_PARSE_FAIL ||
-           code == DOWN_STATE_DOWNLOAD_FINISH || code == DOWN_STATE_DOWNLOAD_FAIL ||
-           code == DOWN_STATE_USER_STOP;
-}
-
 } // namespace
 
 Request::Request(RequestKind requestKind, const tagTaskInfo &info,
@@ -52,17 +45,37 @@ bool Request::isUsable() const
     return isText(record.szDownloadURL) && isText(record.szSavePath);
 }
 
+void Request::call(tagDownloadStateCode code, double value) const
+{
+    record.pfnStateCallback(record.pUserData, record.szTaskKey, code, value,
+                            static_cast<FILE_TYPE>(record.nFileType));
+}
+
+/** Turns the end of a download into that of its last step. */
+void Request::complete(Event &event) const
+{
+    const auto fault = event.completion->commit();
+    event.completion.reset();
+    if (!fault)
+        return;
+    if (fault->is(Failure::DiskFull))
+        call(DOWN_STATE_DISK_NO_SPACE, 0);
+    event.code = DOWN_STATE_DOWNLOAD_FAIL;
+    event.value = fault->value;
+}
+
 /** The key is free before the terminal event arrives: it may be sent again from inside it. */
 void Request::deliver(Event &event)
 {
+    if (event.completion)
+        complete(event);
     if (isTerminal(event.code))
         m_table->erase(*this);
     if (event.code == DOWN_STATE_PARSE_SUCCESS)
         record.pfnVideoInfoCallback(record.pUserData, record.szTaskKey, event.code,
                                     event.text.data(), event.text.size());
     else
-        record.pfnStateCallback(record.pUserData, record.szTaskKey, event.code, event.value,
-                                static_cast<FILE_TYPE>(record.nFileType));
+        call(event.code, event.value);
 }
 
 bool RequestTable::isFree(const std::string &key) const

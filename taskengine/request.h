@@ -18,7 +18,7 @@ class RequestTable;
 
 enum class RequestKind { Parse, Video, Image };
 
-/** A request as it was accepted. Constant from then on, but for `target`. */
+/** A request as it was accepted. Constant from then on, but for what `target` points to. */
 class Request : public EventQueue
 {
 public:
@@ -33,10 +33,14 @@ public:
     const std::shared_ptr<const Options> options;
     /** The engine's copy; clears itself, so that no proxy password stays behind. */
     const tagTaskInfo record;
-    /** The file of a download. The sender's until the request is submitted, then its job's. */
-    TargetFile target;
+    /** The file of a download. The sender's until the request is submitted, then its job's, and in
+     * the end its completion's. */
+    const std::shared_ptr<TargetFile> target = std::make_shared<TargetFile>();
 
 private:
+    void call(tagDownloadStateCode code, double value) const;
+    void complete(Event &event) const;
+
     const std::shared_ptr<RequestTable> m_table;
 };
 

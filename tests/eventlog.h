@@ -22,13 +22,6 @@ struct LoggedEvent
     FILE_TYPE type = FILE_TYPE_VIDEO;
 };
 
-inline bool isTerminal(tagDownloadStateCode code)
-{
-    return code == DOWN_STATE_PARSE_SUCCESS || code == DOWN_STATE_PARSE_FAIL ||
-           code == DOWN_STATE_DOWNLOAD_FINISH || code == DOWN_STATE_DOWNLOAD_FAIL ||
-           code == DOWN_STATE_USER_STOP;
-}
-
 /** Receives the callbacks of every request that it makes. */
 class EventLog
 {

@@ -191,11 +191,11 @@ private slots:
         QTest::newRow("error status")
             << shell("echo title=a; exit 3") << std::string() << Failure::CommandFailed;
         QTest::newRow("silent") << shell("echo oops >&2") << std::string()
-                                << Failure::EmptyResponse;
+                                << Failure::UnusableOutput;
         QTest::newRow("no fields")
-            << shell("echo hello") << std::string() << Failure::MalformedResponse;
+            << shell("echo hello") << std::string() << Failure::UnusableOutput;
         QTest::newRow("endless") << shell("yes title=a") << std::string()
-                                 << Failure::ResponseTooLarge;
+                                 << Failure::UnusableOutput;
         QTest::newRow("missing") << QStringList{QStringLiteral("/no/such/command")} << std::string()
                                  << Failure::CommandNotFound;
     }

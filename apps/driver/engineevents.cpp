@@ -60,7 +60,7 @@ void DownloadDriver::handle(const EngineEvent &event)
 
 void DownloadDriver::handleThumbnail(const EngineEvent &event)
 {
-    if (!event.isEnd())
+    if (!isTerminal(event.code))
         return;
     const QString key = event.key.left(taskKeyLength);
     m_thumbnails.remove(key);

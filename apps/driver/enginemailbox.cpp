@@ -3,20 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-bool EngineEvent::isEnd() const
-{
-    switch (code) {
-    case DOWN_STATE_PARSE_SUCCESS:
-    case DOWN_STATE_PARSE_FAIL:
-    case DOWN_STATE_DOWNLOAD_FINISH:
-    case DOWN_STATE_DOWNLOAD_FAIL:
-    case DOWN_STATE_USER_STOP:
-        return true;
-    default:
-        return false;
-    }
-}
-
 EngineMailbox::EngineMailbox(std::function<void()> wake) : m_wake(std::move(wake)) {}
 
 int EngineMailbox::onState(void *user, const char *key, tagDownloadStateCode code, double value,
@@ -68,6 +54,6 @@ bool EngineMailbox::holdsEndOf(const QString &key) const
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     return std::any_of(m_events.cbegin(), m_events.cend(), [&key](const EngineEvent &event) {
-        return event.key == key && event.isEnd();
+        return event.key == key && isTerminal(event.code);
     });
 }

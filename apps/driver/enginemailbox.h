@@ -16,9 +16,6 @@ struct EngineEvent
     QString key; ///< task key or image key
     tagDownloadStateCode code = DOWN_STATE_NONE;
     double value = 0; ///< depends on the code
-
-    /** Whether the event is the last one of its request. */
-    bool isEnd() const;
 };
 
 /**

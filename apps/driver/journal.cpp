@@ -81,8 +81,10 @@ Journal::Found Journal::open(const QByteArray &digest, QList<QJsonObject> &entri
     if (!file.open(QIODevice::ReadOnly))
         return Found::Nothing;
     const Lines lines = wholeLines(file);
-    if (lines.entries.isEmpty())
+    if (lines.entries.isEmpty()) {
+        file.remove();
         return Found::Nothing;
+    }
     const QString history = QString::fromLatin1(digest);
     bool isOurs = lines.entries.first().value(baseName) == history;
     for (const QJsonObject &entry : lines.entries) {

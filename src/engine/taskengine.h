@@ -9,7 +9,8 @@
  *  1. Texts are NUL-terminated narrow strings in the local 8-bit encoding. A text that does not fit
  *     its field is never cut: the library then treats the request as refused, without sending it.
  *  2. Functions return 32-bit integers. A request returns -1 when it is refused; any other value
- *     means that it was accepted (0 by convention) and that exactly one terminal event follows.
+ *     means that it was accepted (0 by convention) and that exactly one terminal event follows: see
+ *     `isTerminal`.
  *  3. `tagTaskInfo` is passed by value. It has a destructor, so both sides are compiled as C++; the
  *     engine copies whatever it keeps beyond the call.
  *  4. Sizes, offsets and values are fixed. They are asserted at the end of this file: 3572 bytes
@@ -18,6 +19,9 @@
  * from inside a callback. An engine therefore only queues: it neither waits for a transfer nor for
  * a callback, and holds no lock of its own while it calls back.
  *  6. Callbacks may come on any thread. Events of one request come one after the other.
+ *  7. The size of a video is told before its complete file gets the name `szSavePath`, and the file
+ *     gets it only after that callback has returned. So an application that notes the size there
+ *     can tell after a sudden end whether a file of this name is the complete video.
  */
 #ifndef VIDEODOWN_ENGINE_TASKENGINE_H
 #define VIDEODOWN_ENGINE_TASKENGINE_H
@@ -57,6 +61,14 @@ enum tagDownloadStateCode : std::int32_t {
     DOWN_STATE_TASK_EXISTS = 15,   ///< "task is exists": the task already exists
     DOWN_STATE_UNUSED = 16,        ///< "Unused"
 };
+
+/** Whether an event with this code is the last one of its request. */
+constexpr bool isTerminal(tagDownloadStateCode code)
+{
+    return code == DOWN_STATE_PARSE_SUCCESS || code == DOWN_STATE_PARSE_FAIL ||
+           code == DOWN_STATE_DOWNLOAD_FINISH || code == DOWN_STATE_DOWNLOAD_FAIL ||
+           code == DOWN_STATE_USER_STOP;
+}
 
 /**
  * Proxy settings, filled by the application and read by the engine; the library only stores and
