@@ -73,31 +73,28 @@ private slots:
         list.Add(nullptr);
     }
 
-    /** Where a key was found before must not matter. */
     void lookUpsFindTheFirst()
     {
         CXMLHistory list;
-        const auto add = [&list](const char *key) {
+        const auto make = [](const char *key) {
             auto *info = new CXMLInfo(nullptr);
             info->MD5Code = QString::fromLatin1(key);
-            return list.Add(info);
+            return info;
         };
-        QCOMPARE(list.GetIndex(u"K"_s), -1);
-        const std::unique_ptr<CXMLInfo> other(add("other"));
-        add("K");
-        add("K");
-        QCOMPARE(list.GetIndex(u"K"_s), 1);
-        list.remove(0);
-        QCOMPARE(list.GetIndex(u"K"_s), 0);
-        QCOMPARE(list.GetIndex(u"other"_s), -1);
-        list.item(0)->MD5Code = u"other"_s;
-        QCOMPARE(list.GetIndex(u"K"_s), 1);
-        QCOMPARE(list.GetIndex(u"other"_s), 0);
-        list.removeAll();
-        add("first");
-        add("K");
-        add("K");
-        QCOMPARE(list.GetIndex(u"K"_s), 1);
+        list.Add(make("other"));
+        CXMLInfo *late = list.Add(make("K"));
+        for (int times = 0; times < 3; ++times)
+            QCOMPARE(list.item(u"K"_s), late);
+        // However the list changes, what was found before does not matter.
+        CXMLInfo *early = make("K");
+        list.m_InfoList.prepend(early);
+        QCOMPARE(list.item(u"K"_s), early);
+        list.item(1)->MD5Code = u"late"_s;
+        QCOMPARE(list.GetIndex(u"late"_s), 1);
+        list.Add(make("late"));
+        QCOMPARE(list.GetIndex(u"late"_s), 1);
+        QVERIFY(list.item(-1) == nullptr && list.item(4) == nullptr);
+        list.Add(early); // deleted once, with the list
     }
 
     void profilesAreCopiedWhole()

@@ -10,11 +10,6 @@ bool isTaskKey(const QString &key)
     return key.size() == 32;
 }
 
-bool isImageKey(const QString &key)
-{
-    return key.size() == 33;
-}
-
 } // namespace
 
 int CDown::DoDownloadVideo(const QString &key, bool withVideo)
@@ -154,8 +149,6 @@ void CDown::endDownload(const QString &key, bool reset)
 {
     m_DownLoadingList.removeAll(key);
     m_DownloadAllTask.removeAll(key);
-    if (isImageKey(key))
-        return; // finds no task, and to look through all of them for nothing costs the most
     if (CXMLInfo *record = m_pHistory->item(key)) {
         if (reset)
             record->ParseState = -1;

@@ -134,6 +134,11 @@ void CDown::LoadFromFile(const QString &path)
 
 void CDown::SaveToFile(const QString &path)
 {
-    const ControllerLock lock;
-    m_pHistory->SaveToFile(path);
+    const QString file = path;
+    QByteArray content;
+    {
+        const ControllerLock lock;
+        content = historyfile::serialize(*m_pHistory);
+    }
+    historyfile::write(file, content);
 }

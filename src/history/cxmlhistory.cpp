@@ -1,6 +1,9 @@
 #include "history/cxmlhistory.h"
 
+#include <QSet>
+
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -32,27 +35,14 @@ CXMLInfo *CXMLHistory::item(const QString &key) const
 
 CXMLInfo *CXMLHistory::item(int index) const
 {
-    return m_InfoList.at(index);
+    return m_InfoList.value(index);
 }
 
 int CXMLHistory::GetIndex(const QString &key) const
 {
-    std::atomic<int> &found = m_found[qHash(key) % m_found.size()];
-    const int guess = found.load(std::memory_order_relaxed);
-    if (guess < count() && m_InfoList.at(guess)->MD5Code == key)
-        return guess;
     const auto has = [&](const CXMLInfo *info) { return sameText(info->MD5Code, key); };
     const auto first = std::find_if(m_InfoList.cbegin(), m_InfoList.cend(), has);
-    const auto position = int(first - m_InfoList.cbegin());
-    found.store(position, std::memory_order_relaxed); // if there is none, the next one added may be
-    return position < count() ? position : -1;
-}
-
-// After a removal a guess may point at the second of two records with one key.
-void CXMLHistory::forgetPositions()
-{
-    for (std::atomic<int> &found : m_found)
-        found.store(0, std::memory_order_relaxed);
+    return first == m_InfoList.cend() ? -1 : int(first - m_InfoList.cbegin());
 }
 
 CXMLInfo *CXMLHistory::Add(CXMLInfo *info)
@@ -64,15 +54,12 @@ CXMLInfo *CXMLHistory::Add(CXMLInfo *info)
 
 void CXMLHistory::remove(int index)
 {
-    if (index < 0 || index >= m_InfoList.size())
-        return;
-    m_InfoList.removeAt(index);
-    forgetPositions();
+    if (index >= 0 && index < m_InfoList.size())
+        m_InfoList.removeAt(index);
 }
 
 void CXMLHistory::removeAll()
 {
-    qDeleteAll(m_InfoList);
-    m_InfoList.clear();
-    forgetPositions();
+    const QList<CXMLInfo *> all = std::exchange(m_InfoList, {});
+    qDeleteAll(QSet<CXMLInfo *>(all.cbegin(), all.cend()));
 }

@@ -8,19 +8,14 @@
 #include <QList>
 #include <QString>
 
-#include <array>
-#include <atomic>
-
 class QDomDocument;
 
 /**
  * Task records in the order in which they were added. Keys are not unique by construction: look-ups
- * give the first record in list order whose `MD5Code` equals the key exactly. The cost is linear,
- * except for keys that were found a short while ago: where they stood is looked at first. So
- * whoever changes `m_InfoList` or the keys of its records by hand keeps the keys unique.
+ * give the first record in list order whose `MD5Code` equals the key exactly. The cost is linear.
  *
- * Ownership: the list owns its records; `removeAll` and the destructor delete them. A record that
- * `remove` took out is the caller's.
+ * Ownership: the list owns its records; `removeAll` and the destructor delete them, each once even
+ * where it was added twice. A record that `remove` took out is the caller's.
  *
  * Threads: no lock of its own; a controller's list is protected by the controller lock.
  */
@@ -36,7 +31,7 @@ public:
     int count() const;
     /** The first record with this key, or null. */
     CXMLInfo *item(const QString &key) const;
-    /** The record at `index`, which must lie in 0 to count()-1. */
+    /** The record at `index`; null when that is not in 0 to count()-1. */
     CXMLInfo *item(int index) const;
     /** Position of the first record with this key, or -1. */
     int GetIndex(const QString &key) const;
@@ -66,15 +61,6 @@ public:
                                     const QString &attributeName, const QString &attributeValue);
 
     QList<CXMLInfo *> m_InfoList; ///< the records, in order of addition
-
-private:
-    using Positions = std::array<std::atomic<int>, 64>;
-
-    void forgetPositions();
-
-    // Where keys were found last, by their hash. A guess that look-ups verify, hence never wrong by
-    // being old; atomic because threads may look up at the same time.
-    mutable Positions m_found{};
 };
 
 #endif

@@ -20,7 +20,7 @@ QStringDecoder decoderFor(const QByteArray &bytes)
     if (const auto marked = QStringConverter::encodingForData(bytes, u'<'))
         return QStringDecoder(*marked);
     static const QRegularExpression declaration(
-        QStringLiteral("^\\s*<\\?xml[^>]*encoding\\s*=\\s*[\"']([A-Za-z0-9._-]+)[\"']"));
+        QStringLiteral("^\\s*<\\?xml\\s[^>]*encoding\\s*=\\s*[\"']([A-Za-z0-9._-]+)[\"']"));
     const QString head = QString::fromLatin1(bytes.left(256));
     QStringDecoder declared(declaration.match(head).captured(1).toLatin1().constData());
     return declared.isValid() ? std::move(declared) : QStringDecoder(QStringConverter::Utf8);
@@ -60,19 +60,49 @@ QString referredCharacter(QStringView number)
     return QString::fromUcs4(&character, 1);
 }
 
+// The length of what begins at `at` and holds no references: a CDATA section, a comment or a
+// processing instruction; 0 for everything else.
+qsizetype plainLength(const QString &text, qsizetype at)
+{
+    struct Plain
+    {
+        QLatin1String begin;
+        QLatin1String end;
+    };
+    static constexpr Plain kinds[] = {{QLatin1String("<![CDATA["), QLatin1String("]]>")},
+                                      {QLatin1String("<!--"), QLatin1String("-->")},
+                                      {QLatin1String("<?"), QLatin1String("?>")}};
+    for (const Plain &kind : kinds) {
+        if (!QStringView(text).sliced(at).startsWith(kind.begin))
+            continue;
+        const qsizetype end = text.indexOf(kind.end, at + kind.begin.size());
+        return (end < 0 ? text.size() : end + kind.end.size()) - at;
+    }
+    return 0;
+}
+
+// The length of the reference at `at` if it is to a character that XML cannot carry; else 0.
+qsizetype badReferenceLength(const QString &text, qsizetype at)
+{
+    constexpr qsizetype longest = 16;
+    const QStringView reference = QStringView(text).mid(at, longest);
+    const qsizetype end = reference.indexOf(u';');
+    if (!reference.startsWith(QLatin1String("&#")) || end < 3)
+        return 0;
+    const QString character = referredCharacter(reference.sliced(2, end - 2));
+    const bool isBad = character.isEmpty() || taskelement::carryable(character) != character;
+    return isBad ? end + 1 : 0;
+}
+
 // A reference to a character that XML cannot carry ends the parsing just as the character does.
 QString withoutBadReferences(QString text)
 {
-    constexpr qsizetype longest = 16;
-    const QLatin1String opening("&#");
-    for (qsizetype at = text.indexOf(opening); at >= 0; at = text.indexOf(opening, at + 1)) {
-        const QStringView reference = QStringView(text).mid(at, longest);
-        const qsizetype end = reference.indexOf(u';');
-        if (end < 3)
-            continue;
-        const QString character = referredCharacter(reference.sliced(2, end - 2));
-        if (character.isEmpty() || taskelement::carryable(character) != character)
-            std::fill_n(text.begin() + at, end + 1, QChar(QChar::ReplacementCharacter));
+    for (qsizetype at = 0; at < text.size();) {
+        const QChar character = text.at(at);
+        const qsizetype plain = character == u'<' ? plainLength(text, at) : 0;
+        const qsizetype bad = character == u'&' ? badReferenceLength(text, at) : 0;
+        std::fill_n(text.begin() + at, bad, QChar(QChar::ReplacementCharacter));
+        at += std::max<qsizetype>({plain, bad, 1});
     }
     return text;
 }
@@ -82,7 +112,8 @@ QString withoutBadReferences(QString text)
 class Reader
 {
 public:
-    Reader(const historyfile::Content &content, CXMLHistory *history) : m_history(history)
+    Reader(const historyfile::Content &content, CXMLHistory *history)
+        : m_history(history), m_longestText(content.utf8.size() + content.text.size() + mostGrowth)
     {
         if (content.utf8.isEmpty())
             m_xml.addData(content.text);
@@ -92,13 +123,15 @@ public:
 
     QList<CXMLInfo *> tasks()
     {
-        while (!m_xml.atEnd())
+        while (!m_xml.atEnd() && m_textSize <= m_longestText)
             step(m_xml.readNext());
         endField(); // what was read before an error counts
         return m_tasks;
     }
 
 private:
+    // Entities can make much of little; a text grows by no more than this.
+    static constexpr qsizetype mostGrowth = 200 * 1000 * 1000;
     static constexpr int taskDepth = 5;
     static constexpr int fieldDepth = 6;
     static constexpr int profileFieldDepth = 7;
@@ -109,9 +142,37 @@ private:
             startElement(m_xml.qualifiedName());
         else if (token == QXmlStreamReader::EndElement)
             endElement();
-        else if (token == QXmlStreamReader::Characters && m_field >= 0 &&
-                 !m_xml.text().trimmed().isEmpty())
-            m_text += m_xml.text();
+        else if (token == QXmlStreamReader::ProcessingInstruction)
+            instruction(m_xml.processingInstructionTarget());
+        else if (token == QXmlStreamReader::Characters)
+            characters(m_xml.text());
+    }
+
+    // As the DOM parser, which makes no nodes of white space, but keeps sections of it.
+    void characters(QStringView text)
+    {
+        m_textSize += text.size();
+        if (m_field >= 0 && (m_xml.isCDATA() || !text.trimmed().isEmpty()))
+            m_text += text;
+    }
+
+    // Fields are looked up by the names of nodes: an instruction has one, and no text.
+    void instruction(QStringView target)
+    {
+        if (m_depth == taskDepth && m_info) {
+            m_profileSeen = m_profileSeen || target == QLatin1String("Profile");
+            fillEmpty(*m_info, target);
+        } else if (m_depth == fieldDepth && m_inProfile) {
+            fillEmpty(*m_profile, target);
+        }
+    }
+
+    template <typename Filler>
+    static void fillEmpty(Filler &filler, QStringView name)
+    {
+        const int index = filler.find(name);
+        if (index >= 0)
+            filler.fill(index, QStringLiteral(""));
     }
 
     void startElement(QStringView name)
@@ -161,6 +222,8 @@ private:
 
     QXmlStreamReader m_xml;
     CXMLHistory *m_history;
+    const qsizetype m_longestText; // of all texts together
+    qsizetype m_textSize = 0;
     QList<CXMLInfo *> m_tasks;
     std::optional<InfoFiller> m_info;
     std::optional<ProfileFiller> m_profile;

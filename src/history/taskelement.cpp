@@ -218,11 +218,9 @@ QString toText(float value)
     return QString::number(static_cast<double>(value), 'g', 6);
 }
 
-// The parser drops texts of white space only; so does this, however they were written.
 void fromText(const QString &text, QString &value)
 {
-    const bool blank = QStringView(text).trimmed().isEmpty();
-    value = blank ? QStringLiteral("") : text;
+    value = text.isNull() ? QStringLiteral("") : text;
 }
 
 void fromText(const QString &text, int &value)
