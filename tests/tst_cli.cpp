@@ -190,7 +190,8 @@ private slots:
         int master = -1;
         int slave = -1;
         const winsize size{3, 50, 0, 0};
-        QCOMPARE(openpty(&master, &slave, nullptr, nullptr, &size), 0);
+        if (openpty(&master, &slave, nullptr, nullptr, &size) != 0)
+            return skip("there are no pseudo-terminals here (/dev/pts)");
         haltStreams();
         QProcess process;
         process.setStandardErrorFile(QString::fromLocal8Bit(ttyname(slave)));

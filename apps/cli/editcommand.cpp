@@ -23,7 +23,7 @@ ExitStatus refuse(const QString &why)
 bool deleteFilesOf(const CXMLInfo &record)
 {
     bool deleted = true;
-    for (const QString &path : taskrecord::filesOf(record)) {
+    for (const QString &path : taskrecord::filesOf(record, stored::unfinishedFiles)) {
         if (!QFile::remove(path)) {
             refuse(QStringLiteral("\"%1\" cannot be deleted").arg(path));
             deleted = false;

@@ -29,7 +29,8 @@ std::optional<QList<DownloadRequest>> requestsToRetry(Session &session, const Co
     CDown &controller = session.driver().controller();
     if (line.arguments.isEmpty())
         return requestsFor(controller, [](const CXMLInfo &record) {
-            return taskrecord::stateOf(record) == TaskState::Failed;
+            const TaskState state = taskrecord::stateOf(record);
+            return state == TaskState::Failed || state == TaskState::Stopped;
         });
     const auto keys = stored::keysOf(controller, line.arguments);
     if (!keys)

@@ -31,6 +31,9 @@ DownloadDriver::Settings settingsFor(const CommandLine &line, const QString &dow
     settings.videoLimit = line.jobs;
     settings.thumbnails = line.thumbnails;
     settings.proxy = line.proxy;
+    if (!line.videoInfoCommand.isEmpty())
+        settings.offerAdvice = QStringLiteral("Run the video-info command by hand with this "
+                                              "address to see what it says.");
     settings.unfinishedFiles = stored::unfinishedFiles;
     settings.failureText = [](double code) {
         return QString::fromStdString(taskengine::failureText(code));

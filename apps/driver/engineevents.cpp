@@ -30,12 +30,12 @@ QString siteReason(const QString &videoInfoText)
     return {};
 }
 
-FailureReason nothingOffered(const QString &videoInfoText)
+FailureReason nothingOffered(const QString &videoInfoText, const QString &advice)
 {
     const QString reason = siteReason(videoInfoText);
     return {reason.isEmpty() ? QStringLiteral("the site offers no formats of this video")
                              : QStringLiteral("the site refuses this video: %1").arg(reason),
-            QStringLiteral("Look at the page in a browser.")};
+            advice};
 }
 
 } // namespace
@@ -144,7 +144,7 @@ void DownloadDriver::parsed(const QString &key)
             task.progress.title = record->Title;
             hasThumbnail = !record->ImageURL.isEmpty();
             if (formatchoice::offered(record->fmt_list, record->fmt_stream_map).isEmpty())
-                failure = nothingOffered(record->VideoInfoText);
+                failure = nothingOffered(record->VideoInfoText, m_settings.offerAdvice);
         }
     }
     tell([this, key, title = task.progress.title] { emit described(key, title); });

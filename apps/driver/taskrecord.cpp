@@ -13,14 +13,6 @@ bool isWhole(const QString &path, const CXMLInfo &record)
     return record.FileSize > 0 && file.isFile() && file.size() == record.FileSize;
 }
 
-// As the default engine names what it has not finished.
-QStringList partsOf(const QString &path)
-{
-    const QFileInfo file(path);
-    return {path + QLatin1String(".part"),
-            file.path() + QLatin1String("/.") + file.fileName() + QLatin1String(".part-info")};
-}
-
 } // namespace
 
 TaskState stateOf(const CXMLInfo &record)
@@ -106,16 +98,21 @@ bool mayReplace(const QString &path, qint64 size)
     return file.isFile() && !file.isSymLink() && (file.size() == 0 || file.size() == size);
 }
 
-QStringList filesOf(const CXMLInfo &record)
+QStringList filesOf(const CXMLInfo &record, const UnfinishedFiles &unfinished)
 {
     QStringList files;
+    const auto add = [&](const QString &path) {
+        files << path;
+        if (unfinished && !path.isEmpty())
+            files << unfinished(path);
+    };
     if (!record.FileName.isEmpty() && mayReplace(record.FileName, record.FileSize))
-        files << record.FileName << partsOf(record.FileName);
+        add(record.FileName);
     if (record.IsOrgVideo == 1 && mayReplace(record.SaveAsFileName, record.FileSize))
         files << record.SaveAsFileName;
     if (record.IsOrgVideo != 1 && !record.ConvertionDesc.isEmpty())
         files << record.SaveAsFileName; // converted from the video
-    files << record.ImagePath;
+    add(record.ImagePath);
     files.removeDuplicates();
     files.removeIf([](const QString &path) { return path.isEmpty() || !QFileInfo(path).isFile(); });
     return files;

@@ -59,7 +59,7 @@ bool mayReplace(const QString &path, qint64 size);
  * broken-off download left. A file of another size than the task's has been put there by somebody
  * else, and is none of them.
  */
-QStringList filesOf(const CXMLInfo &record);
+QStringList filesOf(const CXMLInfo &record, const UnfinishedFiles &unfinished);
 
 } // namespace taskrecord
 
