@@ -301,8 +301,12 @@ void HistoryKeeper::endUpgrade(const QString &key)
         if (m_upgrades.remove(key) == 0)
             return;
     }
-    append({QJsonObject{
-        {taskName, key}, {fieldsName, changeOf(key)}, {upgradeName, QJsonValue::Null}}});
+    const QJsonObject changed = changeOf(key);
+    if (append(
+            {QJsonObject{{taskName, key}, {fieldsName, changed}, {upgradeName, QJsonValue::Null}}}))
+        return;
+    m_unstored.insert(key);
+    m_stored.remove(key);
 }
 
 QString HistoryKeeper::save()
@@ -313,7 +317,7 @@ QString HistoryKeeper::save()
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_saving = true;
     }
-    const QString problem = writeAnew();
+    QString problem = writeAnew();
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_saving = false;
     const QList<QJsonObject> late = std::exchange(m_late, {});

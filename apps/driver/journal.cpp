@@ -8,6 +8,7 @@
 #include <QJsonDocument>
 
 #include <fcntl.h>
+#include <optional>
 #include <unistd.h>
 #include <utility>
 

@@ -5,7 +5,21 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace leftovers {
+
+namespace {
+
+// Whether the file of this name is the old one: it was never set aside, or is back already.
+bool isInPlace(const UpgradeFiles &upgrade, const QString &path)
+{
+    return std::any_of(upgrade.old.cbegin(), upgrade.old.cend(), [&path](const auto &pair) {
+        return pair.path == path && !disk::isTaken(pair.aside);
+    });
+}
+
+} // namespace
 
 // A video is resumed; a thumbnail is fetched anew, if at all.
 Names of(const CXMLInfo &record, const UnfinishedFiles &unfinished)
@@ -32,9 +46,11 @@ void remove(const Names &names)
 void undo(const UpgradeFiles &upgrade, const UnfinishedFiles &unfinished)
 {
     for (const QString &path : upgrade.fresh) {
-        disk::removeIfEmpty(path);
         if (unfinished)
             remove({{}, unfinished(path)});
+        if (isInPlace(upgrade, path))
+            continue;
+        disk::removeIfEmpty(path);
         if (upgrade.freshSize > 0 && QFileInfo(path).size() == upgrade.freshSize)
             QFile::remove(path);
     }

@@ -131,7 +131,7 @@ public:
 
 private:
     // Entities can make much of little; a text grows by no more than this.
-    static constexpr qsizetype mostGrowth = 200 * 1000 * 1000;
+    static constexpr qsizetype mostGrowth = 200000000;
     static constexpr int taskDepth = 5;
     static constexpr int fieldDepth = 6;
     static constexpr int profileFieldDepth = 7;
