@@ -1,4 +1,5 @@
 /** The driver: slots, ends, names and what is told to the application. */
+#include "driver/historykeeper.h"
 #include "driverfixture.h"
 
 #include "driver/formatchoice.h"
@@ -248,6 +249,184 @@ private slots:
         QCOMPARE(f.results.first().outcome, DownloadOutcome::Failed);
         QVERIFY(f.results.first().failure.cause.contains(u"cannot be"_s));
         QVERIFY(f.engine.calls("video").isEmpty());
+    }
+
+    // Only what a complete video lacks is made again, and nobody's file is lost for it.
+    void copiesAreMadeAgain_data()
+    {
+        QTest::addColumn<QByteArray>("present"); // in the copy's place
+        QTest::addColumn<bool>("downloads");
+        QTest::newRow("none") << QByteArray("-") << false;
+        QTest::newRow("empty") << QByteArray() << false;
+        QTest::newRow("begun") << QByteArray("vid") << false;
+        QTest::newRow("somebody's") << QByteArray("VID") << true;
+        QTest::newRow("longer") << QByteArray("video, too") << true;
+    }
+
+    void copiesAreMadeAgain()
+    {
+        QFETCH(QByteArray, present);
+        QFETCH(bool, downloads);
+        DriverFixture f;
+        const QString key = f.running(1, true);
+        f.engine.sendState(key, DOWN_STATE_FILE_SIZE, 5);
+        f.finish(key, "video");
+        f.turn();
+        const QString copy = f.results.first().path;
+        f.driver->controller().getXMLInfo(key)->State = int(TaskState::Running); // killed
+        QVERIFY(QFile::remove(copy));
+        if (present != "-")
+            TaskFixture::write(copy, present);
+        f.engine.sendState(key + u'1', DOWN_STATE_DOWNLOAD_FINISH);
+        f.turn();
+        f.engine.clearCalls();
+        f.add(f.url(1), true);
+        if (downloads) {
+            f.turn();
+            QCOMPARE(f.engine.calls("parse").size(), 1);
+            QCOMPARE(TaskFixture::read(copy), present);
+            return;
+        }
+        QTRY_COMPARE(f.results.size(), 2);
+        QCOMPARE(f.results.last().path, copy);
+        QCOMPARE(TaskFixture::read(copy), "video");
+        QVERIFY(f.engine.calls().isEmpty());
+    }
+
+    // Whatever is done or told is on disk by then.
+    void everythingIsOnDiskFirst()
+    {
+        DriverFixture f;
+        const QString history = f.root.filePath(u"history.xml"_s);
+        const auto lines = [&history] { return TaskFixture::read(history + u".journal"_s); };
+        HistoryKeeper keeper(f.driver->controller(), history);
+        QCOMPARE(keeper.open(), QString());
+        f.driver->setKeeper(&keeper);
+        QStringList seen;
+        f.engine.setHook([&](ScriptedEngine::Kind kind, const tagTaskInfo &request) {
+            const bool isVideo = kind == ScriptedEngine::Kind::Video;
+            const QByteArray path = isVideo ? request.szSavePath : request.szPageURL;
+            if (kind != ScriptedEngine::Kind::Image)
+                seen << (lines().contains('"' + path + '"') ? u"known"_s : u"unknown"_s);
+            // The name is taken, too.
+            if (isVideo && QFileInfo::exists(QFile::decodeName(path)))
+                seen << u"reserved"_s;
+            return 0;
+        });
+        connect(f.driver.get(), &DownloadDriver::ended,
+                [&] { seen << (lines().contains(R"("State":"3")") ? u"known"_s : u"unknown"_s); });
+        const QString key = f.add(f.url(1));
+        f.turn();
+        f.engine.sendResponse(key, TaskFixture::response(1));
+        f.turn();
+        f.engine.sendState(key, DOWN_STATE_FILE_SIZE, 5);
+        QVERIFY(lines().contains(R"("FileSize":"5")"));
+        f.finish(key);
+        f.turn();
+        QCOMPARE(seen.join(u' '), u"known known reserved known"_s);
+        f.engine.sendState(key + u'1', DOWN_STATE_DOWNLOAD_FINISH);
+        f.turn();
+        QCOMPARE(keeper.save(), QString());
+        QVERIFY(!QFile::exists(history + u".journal"_s)); // nothing is at work any more
+        f.driver->setKeeper(nullptr);
+    }
+
+    void equalTitlesInOneTurnGetTwoNames()
+    {
+        DriverFixture f;
+        const QStringList keys{f.add(f.url(1), true), f.add(f.url(2), true)};
+        f.turn();
+        for (const QString &key : keys)
+            f.engine.sendResponse(key, TaskFixture::response(7));
+        f.turn();
+        QCOMPARE(f.savePath(keys.at(0)), f.root.filePath(u"dl/Clip 7.flv"_s));
+        QCOMPARE(f.savePath(keys.at(1)), f.root.filePath(u"dl/Clip 7_0.flv"_s));
+        QCOMPARE(f.files(u"out"_s).size(), 2);
+        f.engine.sendState(keys.at(0), DOWN_STATE_DOWNLOAD_FAIL, 1007);
+        f.engine.sendState(keys.at(1), DOWN_STATE_USER_STOP);
+        f.turn();
+        QVERIFY(f.files(u"out"_s).isEmpty() && f.files(u"dl"_s).isEmpty());
+    }
+
+    void upgradesThatFail_data()
+    {
+        QTest::addColumn<QString>("steps");
+        QTest::addColumn<QString>("obstacle"); // what is in the way, when the video is sent
+        QTest::addColumn<QString>("cause");
+        QTest::addColumn<QString>("file"); // the record's in the end
+        const QString video = u"dl/Clip 1.mp4"_s;
+        QTest::newRow("fails") << u"7:1007"_s << u""_s << u"cause 1007"_s << video;
+        QTest::newRow("stopped") << u"stop 8:0"_s << u""_s << u""_s << video;
+        QTest::newRow("place taken")
+            << u""_s << u"dl/Clip 1.mp4.former"_s << u"cannot be kept as"_s << video;
+        QTest::newRow("place lost")
+            << u"occupy 7:1007"_s << u""_s << u"could not be put back"_s << video + u".former"_s;
+    }
+
+    // The record says where the old video really is.
+    void upgradesThatFail()
+    {
+        QFETCH(QString, steps);
+        QFETCH(QString, obstacle);
+        QFETCH(QString, cause);
+        QFETCH(QString, file);
+        DriverFixture f;
+        DownloadRequest request;
+        request.address = f.url(1);
+        request.profile = TaskFixture::profile(u"mp4"_s, 640, 360);
+        const QString key = f.driver->add(request);
+        f.turn();
+        f.engine.sendResponse(key, TaskFixture::response(1));
+        f.turn();
+        f.engine.sendState(key, DOWN_STATE_FILE_SIZE, 3);
+        f.finish(key, "old");
+        f.engine.sendState(key + u'1', DOWN_STATE_DOWNLOAD_FINISH);
+        f.turn();
+        const CXMLInfo &record = *f.driver->controller().getXMLInfo(key);
+        QCOMPARE(record.FileName, f.root.filePath(u"dl/Clip 1.mp4"_s));
+        request.profile = TaskFixture::profile(u"mp4"_s, 1280, 720);
+        request.upgrade = true;
+        f.driver->add(request);
+        f.turn();
+        if (!obstacle.isEmpty())
+            TaskFixture::write(f.root.filePath(obstacle), "theirs");
+        f.engine.sendResponse(key, TaskFixture::response(1));
+        f.turn();
+        for (const QString &step : steps.split(u' ', Qt::SkipEmptyParts)) {
+            if (step != u"occupy"_s)
+                takeStep(f, key, step);
+            else
+                QVERIFY(QFile::remove(f.savePath(key)) &&
+                        QDir().mkpath(f.savePath(key) + u"/theirs"_s));
+        }
+        f.turn();
+        QCOMPARE(f.results.size(), 2);
+        QVERIFY2(f.results.last().failure.cause.contains(cause),
+                 qPrintable(f.results.last().failure.cause));
+        QCOMPARE(record.FileName, f.root.filePath(file));
+        QCOMPARE(TaskFixture::read(record.FileName), "old");
+        QCOMPARE(record.State, int(TaskState::Finished));
+        QCOMPARE(record.VideoWidth, 640);
+        QCOMPARE(f.controllerState().left(3), u"3 2"_s);
+    }
+
+    // What the engine's list had no room for leaves the waiting lists, and nothing else does.
+    void unsentThumbnailsDoNotWait()
+    {
+        DriverFixture f;
+        const QString key = f.add(f.url(1));
+        f.turn();
+        const auto occupy = [&f](const QStringList &keys, int parseFree) {
+            const ControllerLock lock;
+            m_DownloadAllTask = keys;
+            f.driver->controller().m_nParseFree = parseFree;
+        };
+        f.engine.sendResponse(key, TaskFixture::response(1));
+        occupy({}, 0);
+        f.driver->controller().m_ImageWaitList = QStringList{key + u"11"_s};
+        f.turn();
+        const ControllerLock lock;
+        QCOMPARE(f.driver->controller().m_ImageWaitList, QStringList{key + u"11"_s});
     }
 
     void nothingSentIsAFailure()
