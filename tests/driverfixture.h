@@ -34,12 +34,13 @@ public:
 
     QString url(int number) const { return TaskFixture::url(number); }
 
-    QString add(const QString &address, bool keepSource = false)
+    QString add(const QString &address, bool keepSource = false, bool again = false)
     {
         DownloadRequest request;
         request.address = address;
         request.outputFolder = root.filePath(u"out"_s);
         request.keepSource = keepSource;
+        request.again = again;
         return driver->add(request);
     }
 

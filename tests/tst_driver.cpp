@@ -259,6 +259,7 @@ private slots:
         QTest::newRow("none") << QByteArray("-") << false;
         QTest::newRow("empty") << QByteArray() << false;
         QTest::newRow("begun") << QByteArray("vid") << false;
+        QTest::newRow("begun, wanted again") << QByteArray("vide") << true;
         QTest::newRow("somebody's") << QByteArray("VID") << true;
         QTest::newRow("longer") << QByteArray("video, too") << true;
     }
@@ -280,11 +281,16 @@ private slots:
         f.engine.sendState(key + u'1', DOWN_STATE_DOWNLOAD_FINISH);
         f.turn();
         f.engine.clearCalls();
-        f.add(f.url(1), true);
+        f.add(f.url(1), true, present == "vide");
         if (downloads) {
             f.turn();
             QCOMPARE(f.engine.calls("parse").size(), 1);
             QCOMPARE(TaskFixture::read(copy), present);
+            f.engine.sendResponse(key, TaskFixture::response(1));
+            f.turn();
+            const bool isOwn = present == "vide";
+            QCOMPARE(f.savePath(key).endsWith(u"/Clip 1.flv"_s), isOwn);
+            QCOMPARE(f.driver->controller().getXMLInfo(key)->FileSize, isOwn ? 5 : 0);
             return;
         }
         QTRY_COMPARE(f.results.size(), 2);
@@ -303,6 +309,7 @@ private slots:
         QCOMPARE(keeper.open(), QString());
         f.driver->setKeeper(&keeper);
         QStringList seen;
+        QByteArray state = R"("State":"3")";
         f.engine.setHook([&](ScriptedEngine::Kind kind, const tagTaskInfo &request) {
             const bool isVideo = kind == ScriptedEngine::Kind::Video;
             const QByteArray path = isVideo ? request.szSavePath : request.szPageURL;
@@ -311,10 +318,10 @@ private slots:
             // The name is taken, too.
             if (isVideo && QFileInfo::exists(QFile::decodeName(path)))
                 seen << u"reserved"_s;
-            return 0;
+            return isVideo && state.contains('4') ? -1 : 0;
         });
         connect(f.driver.get(), &DownloadDriver::ended,
-                [&] { seen << (lines().contains(R"("State":"3")") ? u"known"_s : u"unknown"_s); });
+                [&] { seen << (lines().contains(state) ? u"known"_s : u"unknown"_s); });
         const QString key = f.add(f.url(1));
         f.turn();
         f.engine.sendResponse(key, TaskFixture::response(1));
@@ -324,11 +331,71 @@ private slots:
         f.finish(key);
         f.turn();
         QCOMPARE(seen.join(u' '), u"known known reserved known"_s);
+        state = R"("State":"4")";
+        const QString refused = f.add(f.url(2));
+        f.turn();
+        f.engine.sendResponse(refused, TaskFixture::response(2));
+        f.turn();
+        QCOMPARE(seen.mid(4).join(u' '), u"known known reserved known"_s);
         f.engine.sendState(key + u'1', DOWN_STATE_DOWNLOAD_FINISH);
         f.turn();
         QCOMPARE(keeper.save(), QString());
         QVERIFY(!QFile::exists(history + u".journal"_s)); // nothing is at work any more
         f.driver->setKeeper(nullptr);
+    }
+
+    // What was begun comes first, under its name.
+    void expiredTasksComeFirst()
+    {
+        DriverFixture f(1);
+        const QString key = f.running(1, true);
+        f.add(f.url(2));
+        const QString other = f.add(f.url(3));
+        const QString last = f.add(f.url(4));
+        CXMLInfo *record = f.driver->controller().getXMLInfo(last);
+        record->CategoryID = 7;
+        record->TaskCreateTime = QDateTime(QDate(2012, 3, 7), QTime(9, 5, 3));
+        f.turn();
+        f.engine.sendState(key, DOWN_STATE_DOWNLOAD_FAIL, 410);
+        f.engine.sendState(other, DOWN_STATE_PARSE_FAIL, 404);
+        f.engine.sendState(key + u'1', DOWN_STATE_DOWNLOAD_FINISH);
+        f.turn();
+        QCOMPARE(f.engine.calls("parse").mid(3), QStringList({key, last}));
+        record = f.driver->controller().getXMLInfo(last);
+        QCOMPARE(record->CategoryID, 7); // the library has made a new record
+        QCOMPARE(record->TaskCreateTime.date().year(), 2012);
+        const QString path = f.savePath(key);
+        f.engine.sendResponse(key, TaskFixture::response(1));
+        f.turn();
+        QCOMPARE(f.savePath(key), path);
+        QCOMPARE(f.engine.calls("video").size(), 2);
+    }
+
+    void reservations_data()
+    {
+        QTest::addColumn<QString>("present");
+        QTest::addColumn<bool>("isOwn");
+        QTest::addColumn<QString>("left");
+        QTest::newRow("free") << u""_s << false << u"copy video"_s;
+        QTest::newRow("video taken") << u"video"_s << false << u"video"_s;
+        QTest::newRow("copy taken") << u"copy"_s << false << u"copy"_s;
+        QTest::newRow("own") << u"video copy"_s << true << u"copy video"_s;
+    }
+
+    void reservations()
+    {
+        QFETCH(QString, present);
+        QFETCH(bool, isOwn);
+        QFETCH(QString, left);
+        const QTemporaryDir root;
+        for (const QString &name : present.split(u' ', Qt::SkipEmptyParts))
+            TaskFixture::write(root.filePath(name), "theirs");
+        const OutputName name{u"t"_s, root.filePath(u"video"_s), root.filePath(u"copy"_s), isOwn};
+        const auto result = reserve(name);
+        QCOMPARE(std::get<Reservation>(result) == Reservation::Done, isOwn || present.isEmpty());
+        QCOMPARE(QDir(root.path()).entryList(QDir::Files).join(u' '), left);
+        release(name);
+        QCOMPARE(QDir(root.path()).isEmpty(), present.isEmpty());
     }
 
     void equalTitlesInOneTurnGetTwoNames()

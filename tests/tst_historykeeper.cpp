@@ -18,6 +18,29 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+QStringList synced; // paths, as they were then
+
+int noteSync(int descriptor)
+{
+    synced << QFile::symLinkTarget(u"/proc/self/fd/%1"_s.arg(descriptor));
+    return 0;
+}
+
+} // namespace
+
+// In the place of the C library's: what reached the disk cannot be seen otherwise.
+extern "C" int fsync(int descriptor)
+{
+    return noteSync(descriptor);
+}
+
+extern "C" int fdatasync(int descriptor)
+{
+    return noteSync(descriptor);
+}
+
+namespace {
+
 QByteArray contentOf(const QString &path)
 {
     QFile file(path);
@@ -117,7 +140,13 @@ private slots:
             Application first(m_path);
             QCOMPARE(first.problem, QString());
             addTask(first.controller, QStringLiteral("one"));
+            const QString folder = QFileInfo(m_path).path();
+            synced.clear();
+            QVERIFY(first.commit({u"one"_s}));
+            QCOMPARE(synced, QStringList({folder, journal()}));
+            synced.clear();
             QCOMPARE(first.keeper.save(), QString());
+            QCOMPARE(synced, QStringList({m_path + u".new"_s, journal(), folder}));
             addTask(first.controller, QStringLiteral("two"));
             first.commit({QStringLiteral("two")}); // saved by the destructor
         }
@@ -192,8 +221,8 @@ private slots:
             doubled += line + '\n';
         QCOMPARE(progressWith(doubled), 4);
         QByteArray spoiled = whole;
-        spoiled[spoiled.indexOf("\"Progress\":\"2\"") + 12] = '9';
-        QCOMPARE(progressWith(spoiled), 4);
+        spoiled[spoiled.indexOf("\"Progress\":\"4\"") + 12] = '9';
+        QCOMPARE(progressWith(spoiled), 3);
         QCOMPARE(progressWith(QByteArray(5000, 'x')), 0);
         for (int line = 0; line < 100000; ++line)
             doubled += lines.at(1) + '\n';
@@ -231,6 +260,7 @@ private slots:
             Journal copy(journal());
             QList<QJsonObject> entries;
             QCOMPARE(copy.open(Journal::digestOf(m_path), entries), Journal::Found::Entries);
+            taskOf(first.controller, u"one"_s)->Progress = 8;
             first.controller.SaveToFile(m_folder->filePath(u"next"_s));
             next = contentOf(m_folder->filePath(u"next"_s));
             QVERIFY(copy.announce(Journal::digestOf(m_folder->filePath(u"next"_s))));
@@ -244,8 +274,9 @@ private slots:
         const bool isKnown = replays || history == "next";
         QCOMPARE(after.keeper.setAsideJournal().isEmpty(), isKnown);
         QVERIFY(isKnown || contentOf(after.keeper.setAsideJournal()) == lines);
-        QCOMPARE(after.controller.count() == 1 && taskOf(after.controller, u"one"_s)->Progress == 7,
-                 isKnown);
+        const int progress =
+            after.controller.count() == 0 ? 0 : taskOf(after.controller, u"one"_s)->Progress;
+        QCOMPARE(progress, replays ? 7 : isKnown ? 8 : 0);
     }
 
     void leftoversAreTakenAway_data()

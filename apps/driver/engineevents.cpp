@@ -186,8 +186,7 @@ bool DownloadDriver::refresh(const QString &key, Task &task, double code)
 {
     if (task.refreshed || !m_settings.hasExpired || !m_settings.hasExpired(code))
         return false;
-    task.refreshed = true;
-    releaseName(task);
+    task.refreshed = true; // keeps its name meanwhile
     m_waiting.prepend(key);
     return true;
 }

@@ -40,7 +40,6 @@ void carryOver(const CXMLInfo &from, CXMLInfo &to)
 {
     to.TaskCreateTime = from.TaskCreateTime;
     to.ImagePath = from.ImagePath;
-    to.State = from.State;
     to.CategoryID = from.CategoryID;
 }
 

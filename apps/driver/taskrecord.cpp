@@ -59,7 +59,7 @@ bool isBegunCopy(const QString &copy, const QString &video)
     QFile begun(copy);
     QFile whole(video);
     if (QFileInfo(copy).isSymLink() || !begun.open(QIODevice::ReadOnly) ||
-        !whole.open(QIODevice::ReadOnly) || begun.size() >= whole.size())
+        !whole.open(QIODevice::ReadOnly))
         return false;
     constexpr qint64 blockSize = qint64{1} << 20;
     while (!begun.atEnd()) {

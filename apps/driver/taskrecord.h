@@ -37,8 +37,8 @@ bool isComplete(const CXMLInfo &record);
 bool isDownloaded(const CXMLInfo &record);
 
 /**
- * Whether the copy at `copy` of the file at `video` has been begun and not ended: a file that is
- * shorter, but what there is of it is the same.
+ * Whether the file at `copy` is the copy of the file at `video`, or has been begun as such: what
+ * there is of it is the same.
  */
 bool isBegunCopy(const QString &copy, const QString &video);
 
