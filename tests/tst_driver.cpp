@@ -349,6 +349,7 @@ private slots:
     {
         DriverFixture f(1);
         const QString key = f.running(1, true);
+        const QString path = f.savePath(key);
         f.add(f.url(2));
         const QString other = f.add(f.url(3));
         const QString last = f.add(f.url(4));
@@ -364,7 +365,6 @@ private slots:
         record = f.driver->controller().getXMLInfo(last);
         QCOMPARE(record->CategoryID, 7); // the library has made a new record
         QCOMPARE(record->TaskCreateTime.date().year(), 2012);
-        const QString path = f.savePath(key);
         f.engine.sendResponse(key, TaskFixture::response(1));
         f.turn();
         QCOMPARE(f.savePath(key), path);
