@@ -371,6 +371,24 @@ private slots:
         QCOMPARE(f.engine.calls("video").size(), 2);
     }
 
+    // Two tasks can remember one name: it was free again when the first had failed.
+    void anotherTasksFileIsNotReplaced()
+    {
+        DriverFixture f;
+        const QString key = f.running(1);
+        f.engine.sendState(key, DOWN_STATE_FILE_SIZE, 5);
+        f.finish(key, "video");
+        f.turn();
+        const QString other = f.add(f.url(2));
+        CXMLInfo &record = *f.driver->controller().getXMLInfo(other);
+        record.FileName = f.results.first().path;
+        record.FileSize = 5;
+        f.turn();
+        f.engine.sendResponse(other, TaskFixture::response(1));
+        f.turn();
+        QCOMPARE(f.savePath(other), f.root.filePath(u"dl/Clip 1_0.flv"_s));
+    }
+
     void reservations_data()
     {
         QTest::addColumn<QString>("present");
