@@ -386,7 +386,7 @@ private slots:
         f.turn();
         f.engine.sendResponse(other, TaskFixture::response(1));
         f.turn();
-        QCOMPARE(f.savePath(other), f.root.filePath(u"dl/Clip 1_0.flv"_s));
+        QCOMPARE(f.savePath(other), f.root.filePath(u"dl/Clip 1_0.mp4"_s));
     }
 
     void reservations_data()
