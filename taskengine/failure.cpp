@@ -1,13 +1,12 @@
 #include "taskengine/failure.h"
 
-#include <algorithm>
+#include "taskengine/retrydelay.h"
+
 #include <cerrno>
 
 namespace taskengine {
 
 namespace {
-
-constexpr std::chrono::seconds longestRetryAfter{30};
 
 long responseCode(CURL *easy)
 {
@@ -27,8 +26,7 @@ std::chrono::milliseconds retryAfter(CURL *easy)
 {
     curl_off_t seconds = 0;
     curl_easy_getinfo(easy, CURLINFO_RETRY_AFTER, &seconds);
-    const curl_off_t longest = longestRetryAfter.count();
-    return std::chrono::seconds(std::clamp<curl_off_t>(seconds, 0, longest));
+    return retryAfterDelay(seconds);
 }
 
 /** curl reports an answer that is no HTTP with the same code as a redirect to another protocol. */

@@ -1,5 +1,7 @@
 #include "taskengine/job.h"
 
+#include "taskengine/retrydelay.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -8,17 +10,7 @@ namespace taskengine {
 namespace {
 
 constexpr std::int32_t mostTries = 100;
-constexpr std::chrono::milliseconds longestDelay{30000};
 constexpr std::chrono::milliseconds idleInterval{1000};
-
-/** @param next number of the try to wait for, 2 or more */
-std::chrono::milliseconds delayBefore(int next, std::int32_t first)
-{
-    std::chrono::milliseconds delay(std::max<std::int32_t>(first, 0));
-    for (int number = 2; number < next && delay < longestDelay; ++number)
-        delay *= 2;
-    return std::min(delay, longestDelay);
-}
 
 } // namespace
 
