@@ -18,6 +18,8 @@
 #include <future>
 #include <memory>
 #include <sys/fsuid.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 
 using taskengine::Failure;
 using taskengine::ProxyType;
@@ -409,6 +411,8 @@ private slots:
         QTest::newRow("no folder") << std::string("/folder/video") << Failure::FolderMissing;
         QTest::newRow("file as folder") << std::string("/file/video") << Failure::FolderMissing;
         QTest::newRow("folder") << std::string("/.") << Failure::FileNotWritable;
+        QTest::newRow("pipe") << std::string("/pipe") << Failure::FileNotWritable;
+        QTest::newRow("dangling link") << std::string("/link") << Failure::FileNotWritable;
     }
 
     void target()
@@ -416,13 +420,16 @@ private slots:
         QFETCH(const std::string, name);
         QFETCH(const Failure, failure);
         write(path("/file"), "x", QFile::WriteOnly);
+        QCOMPARE(::mkfifo(path("/pipe").c_str(), 0600), 0);
+        QCOMPARE(::symlink("/none/at/all", path("/link").c_str()), 0);
         QCOMPARE(DownloadVideo(m_log->video("video", stream(), path(name))), 0);
         if (failure == Failure::Internal) {
             compareEnd("video", DOWN_STATE_DOWNLOAD_FINISH);
             QVERIFY(contentsOf(path(name)) == bytes());
         } else {
             compareFailure("video", failure);
-            compareFiles({QStringLiteral("file")});
+            QCOMPARE(QDir(m_folder->path()).entryList({}, QDir::Files | QDir::System).join(u' '),
+                     QStringLiteral("file link pipe"));
             QCOMPARE(m_site->requestCount("/"), 0U);
         }
     }
@@ -521,34 +528,173 @@ private slots:
         QCOMPARE(range, askedForRest ? std::string("bytes=200000-") : std::string());
     }
 
-    void wrongRangeStartsOver_data()
+    void laterAnswers_data()
     {
-        QTest::addColumn<std::string>("headers");
-        QTest::newRow("earlier start") << std::string("Content-Range: bytes 3-9/10\r\n");
-        QTest::newRow("other size") << std::string("Content-Range: bytes 4-9/11\r\n");
-        QTest::newRow("other file")
-            << std::string("Content-Range: bytes 4-9/10\r\nETag: \"b\"\r\n");
-        QTest::newRow("more than the range") << std::string("Content-Range: bytes 4-8/10\r\n");
-        QTest::newRow("none") << std::string();
+        QTest::addColumn<std::string>("validator"); // of the first answer, four bytes of ten
+        QTest::addColumn<std::string>("condition"); // of the second request
+        QTest::addColumn<std::string>("second");
+        QTest::addColumn<std::string>("third");
+        QTest::addColumn<std::string>("range"); // of the third request
+        const std::string tag = "ETag: \"a\"\r\n";
+        const std::string strong = "If-Range: \"a\"\r\n";
+        const std::string whole = answer("200 OK", tag, "0123456789");
+        const auto over = [=](const char *name, const std::string &headers,
+                              const std::string &status = "206 Partial Content") {
+            QTest::newRow(name) << tag << strong << answer(status, headers, "xxxxxx") << whole
+                                << std::string();
+        };
+        over("earlier start", "Content-Range: bytes 3-9/10\r\n");
+        over("other size", "Content-Range: bytes 4-9/11\r\n");
+        over("other file", "Content-Range: bytes 4-9/10\r\nETag: \"b\"\r\n");
+        over("more than the range", "Content-Range: bytes 4-8/10\r\n");
+        over("end beyond the size", "Content-Range: bytes 4-10/10\r\n");
+        over("no range", {});
+        over("none left", "Content-Range: bytes */10\r\n", "416 Range Not Satisfiable");
+        QTest::newRow("less than the rest")
+            << tag << strong
+            << answer("206 Partial Content", "Content-Range: bytes 4-7/10\r\n", "4567")
+            << answer("206 Partial Content", "Content-Range: bytes 8-9/10\r\n", "89")
+            << std::string("bytes=8-");
+        QTest::newRow("shorter file") << tag << strong << answer("206 Partial Content", {}, "x")
+                                      << answer("200 OK", tag, "01") << std::string();
+        const std::string date = "Date: Mon, 23 Nov 2026 10:01:00 GMT\r\n";
+        const std::string old = "Mon, 23 Nov 2026 10:00:00 GMT\r\n";
+        const auto dated = [=](const char *name, const std::string &headers, bool isStrong) {
+            QTest::newRow(name) << date + headers << (isStrong ? "If-Range: " + old : std::string())
+                                << answer("503 Busy", {}, "x") << whole
+                                << std::string(isStrong ? "bytes=4-" : "");
+        };
+        dated("old date", "Last-Modified: " + old, true);
+        dated("fresh date", "Last-Modified: Mon, 23 Nov 2026 10:00:01 GMT\r\n", false);
+        dated("weak tag", "ETag: W/\"a\"\r\nLast-Modified: " + old, false);
     }
 
-    void wrongRangeStartsOver()
+    void laterAnswers()
     {
-        QFETCH(const std::string, headers);
-        const std::string tag = "ETag: \"a\"\r\n";
-        FaultServer server({"HTTP/1.1 200 OK\r\nContent-Length: 10\r\n" + tag + "\r\n0123",
-                            answer("206 Partial Content", headers, "xxxxxx"),
-                            answer("200 OK", tag, "0123456789")});
+        QFETCH(const std::string, validator);
+        QFETCH(const std::string, condition);
+        QFETCH(const std::string, second);
+        QFETCH(const std::string, third);
+        QFETCH(const std::string, range);
+        FaultServer server(
+            {"HTTP/1.1 200 OK\r\nContent-Length: 10\r\n" + validator + "\r\n0123", second, third});
         tagTaskInfo record = m_log->video("video", server.address(), path("/video.flv"));
         record.nEngineParam2 = 3;
         QCOMPARE(DownloadVideo(record), 0);
         compareEnd("video", DOWN_STATE_DOWNLOAD_FINISH);
-        QCOMPARE(contentsOf(path("/video.flv")), std::string("0123456789"));
+        const bool isShorter = third.back() == '1';
+        QCOMPARE(contentsOf(path("/video.flv")), std::string(isShorter ? "01" : "0123456789"));
         const QList<std::string> requests = server.requests();
         QCOMPARE(requests.size(), 3);
-        QVERIFY(requests[1].find("Range: bytes=4-\r\n") != std::string::npos);
-        QVERIFY(requests[1].find("If-Range: \"a\"\r\n") != std::string::npos);
-        QVERIFY(requests[2].find("Range:") == std::string::npos);
+        const auto has = [&requests](int number, const std::string &text) {
+            return requests[number].find(text) != std::string::npos;
+        };
+        QCOMPARE(has(1, "Range: bytes=4-\r\n"), !condition.empty());
+        QVERIFY(has(1, condition));
+        QCOMPARE(has(2, "Range:"), !range.empty());
+        QVERIFY(has(2, range));
+    }
+
+    /** A part that starts over leaves nothing of the old one, on the disk neither. */
+    void partFile()
+    {
+        const QString facts = QFile::decodeName(path("/.video.part-info").c_str());
+        taskengine::PartFile part;
+        QVERIFY(!part.open(path("/video"), "key"));
+        part.remember(10, "\"a\"");
+        QVERIFY(!part.append("0123", 4));
+        part.note();
+        QVERIFY(QFile::exists(facts) && part.canContinue());
+        QVERIFY(!part.restart());
+        QVERIFY(!QFile::exists(facts) && !part.canContinue() && part.size() == 0);
+        QCOMPARE(contentsOf(path("/video.part")), std::string());
+
+        rlimit old = {};
+        QCOMPARE(::getrlimit(RLIMIT_FSIZE, &old), 0);
+        const rlimit tight = {2, old.rlim_max};
+        const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+        QCOMPARE(::setrlimit(RLIMIT_FSIZE, &tight), 0);
+        const auto fault = part.append("0123", 4);
+        ::setrlimit(RLIMIT_FSIZE, &old);
+        (void)std::signal(SIGXFSZ, handler);
+        QVERIFY(fault && fault->is(Failure::FileNotWritable));
+        QCOMPARE(part.size(), 2);
+        const auto commit = part.commit(path("/none/video"));
+        QVERIFY(commit && commit->is(Failure::FolderMissing));
+    }
+
+    void lastStep_data()
+    {
+        QTest::addColumn<QString>("what");
+        QTest::addColumn<bool>("isImage");
+        QTest::addColumn<bool>("isAnnounced");
+        QTest::addColumn<QStringList>("files");
+        const QString name = QStringLiteral("target");
+        const QString part = QStringLiteral("target.part");
+        const QString facts = QStringLiteral(".target.part-info");
+        const auto row = [](const char *title, const char *what, bool isImage, bool isAnnounced,
+                            const QStringList &files) {
+            QTest::newRow(title) << QString::fromLatin1(what) << isImage << isAnnounced << files;
+        };
+        row("size announced", "finish", false, true, {name});
+        row("size found out", "finish", false, false, {name});
+        row("video fails", "folder", false, true, {facts, name, part});
+        row("image fails", "folder", true, true, {name});
+        row("quit", "quit", false, true, {facts, part});
+        row("quit, size found out", "quit", false, false, {});
+    }
+
+    /** A video takes its name once the callback that tells its size has returned, if it can. */
+    void lastStep()
+    {
+        QFETCH(const QString, what);
+        QFETCH(const bool, isImage);
+        QFETCH(const bool, isAnnounced);
+        QFETCH(const QStringList, files);
+        const tagDownloadStateCode held =
+            isImage ? DOWN_STATE_START_DOWNLOAD : DOWN_STATE_FILE_SIZE;
+        const std::string file = path("/target");
+        QSemaphore gate;
+        m_log->hook = [&](const LoggedEvent &event) {
+            if (event.key == "key" && event.code == held)
+                gate.acquire();
+        };
+        misbehave([=](Misbehaviour &fault) {
+            fault.prefix = "/stream/small-1/34", fault.unannounced = !isAnnounced;
+            if (isImage)
+                fault.answer = SiteAnswer{200, "image/jpeg", {}, std::string(videoSize, 'x')};
+        });
+        QCOMPARE(isImage ? DownloadImage(m_log->image("key", stream(), file))
+                         : DownloadVideo(m_log->video("key", stream(), file)),
+                 0);
+        QVERIFY(m_log->waitFor("key", held));
+        QTRY_COMPARE_WITH_TIMEOUT(contentsOf(file + ".part").size(), videoSize, 60000);
+        // What ends later has seen the end of the other one's transfer handled.
+        QCOMPARE(DownloadVideo(m_log->video("other", stream(18), path("/other"))), 0);
+        compareEnd("other", DOWN_STATE_DOWNLOAD_FINISH);
+        QVERIFY(QFile::remove(QFile::decodeName(path("/other").c_str())));
+        QCOMPARE(contentsOf(file), std::string());
+        QCOMPARE(m_log->events("key").last().code, held);
+        if (what == QLatin1String("folder"))
+            QVERIFY(QFile::remove(QFile::decodeName(file.c_str())) &&
+                    QDir(m_folder->path()).mkdir(QStringLiteral("target")));
+        if (what == QLatin1String("quit")) {
+            auto quit = std::async(std::launch::async, [] { return Quit(); });
+            QTRY_COMPARE_WITH_TIMEOUT(SuspendedDownload("key"), -1, 60000);
+            gate.release();
+            QCOMPARE(quit.get(), 0);
+            QVERIFY(!isTerminal(m_log->events("key").last().code));
+        } else {
+            gate.release();
+            if (what == QLatin1String("folder"))
+                compareFailure("key", Failure::FileNotWritable);
+            else
+                compareEnd("key", DOWN_STATE_DOWNLOAD_FINISH, videoSize);
+            const LoggedEvent last = *(m_log->events("key").end() - 2);
+            QCOMPARE(last.code, DOWN_STATE_DOWNLOAD_PROGRESS);
+            QCOMPARE(last.value, static_cast<double>(videoSize));
+        }
+        compareFiles(files);
     }
 
     void stoppedVideoIsContinued_data()
@@ -557,6 +703,7 @@ private slots:
         QTest::addColumn<bool>("isContinued");
         QTest::newRow("same video") << std::string("video") << true;
         QTest::newRow("other video of the same name") << std::string("other") << false;
+        QTest::newRow("gone") << std::string("gone") << false;
     }
 
     void stoppedVideoIsContinued()
@@ -566,6 +713,13 @@ private slots:
         partlyDownload("video");
         compareFiles({QStringLiteral(".video.flv.part-info"), QStringLiteral("video.flv.part")});
         restartEngine();
+        if (key == "gone") {
+            FaultServer server({answer("404 Not Found", {}, "x")});
+            const tagTaskInfo record = m_log->video("video", server.address(), path("/video.flv"));
+            QCOMPARE(DownloadVideo(record), 0);
+            compareEnd("video", DOWN_STATE_DOWNLOAD_FAIL, 404);
+            compareFiles({});
+        }
         QCOMPARE(DownloadVideo(video(key)), 0);
         compareEnd(key, DOWN_STATE_DOWNLOAD_FINISH);
         QVERIFY(contentsOf(path("/video.flv")) == bytes());
@@ -573,8 +727,16 @@ private slots:
         QCOMPARE(m_site->requests().back().range.empty(), !isContinued);
     }
 
+    void completePartIsRecognised_data()
+    {
+        QTest::addColumn<std::size_t>("size");
+        QTest::newRow("same size") << videoSize;
+        QTest::newRow("other size") << videoSize + 1;
+    }
+
     void completePartIsRecognised()
     {
+        QFETCH(const std::size_t, size);
         partlyDownload("video");
         const std::string part = path("/video.flv.part");
         const std::size_t had = contentsOf(part).size();
@@ -582,12 +744,15 @@ private slots:
         QVERIFY(file.open(QFile::Append));
         file.write(QByteArray::fromStdString(bytes().substr(had)));
         file.close();
-        FaultServer server(
-            {answer("416 Range Not Satisfiable",
-                    "Content-Range: bytes */" + std::to_string(videoSize) + "\r\n", "x")});
+        FaultServer server({answer("416 Range Not Satisfiable",
+                                   "Content-Range: bytes */" + std::to_string(size) + "\r\n", "x"),
+                            answer("200 OK", {}, bytes())});
         restartEngine();
-        QCOMPARE(DownloadVideo(m_log->video("video", server.address(), path("/video.flv"))), 0);
+        tagTaskInfo record = m_log->video("video", server.address(), path("/video.flv"));
+        record.nEngineParam2 = 2;
+        QCOMPARE(DownloadVideo(record), 0);
         compareEnd("video", DOWN_STATE_DOWNLOAD_FINISH);
+        QCOMPARE(server.requests().size(), size == videoSize ? 1 : 2);
         QVERIFY(contentsOf(path("/video.flv")) == bytes());
     }
 
@@ -645,6 +810,13 @@ private slots:
         compareEnd("key", DOWN_STATE_USER_STOP);
         QCOMPARE(StopDownload("key"), -1);
         compareFiles({});
+        if (what == QLatin1String("image")) { // what somebody else wrote meanwhile is his
+            QCOMPARE(DownloadImage(record), 0);
+            write(path("/image.jpg"), "his", QFile::WriteOnly);
+            QCOMPARE(StopDownload("key"), 0);
+            QTRY_COMPARE_WITH_TIMEOUT(m_log->count("key", DOWN_STATE_USER_STOP), 2, 60000);
+            compareFiles({QStringLiteral("image.jpg")});
+        }
         QCOMPARE(isParse ? ParseVideoInfo(record) : DownloadImage(record), 0);
     }
 
@@ -695,6 +867,39 @@ private slots:
         QCOMPARE(SuspendedDownload("video"), 0);
         compareEnd("video", DOWN_STATE_DOWNLOAD_FINISH);
         QVERIFY(contentsOf(path("/video.flv")) == bytes());
+    }
+
+    void pauseHasNoTimeLimit_data()
+    {
+        QTest::addColumn<bool>("isCommand");
+        QTest::newRow("slow transfer") << false;
+        QTest::newRow("command") << true;
+    }
+
+    /** One that stands still just as long, without having been paused, shows when time is up. */
+    void pauseHasNoTimeLimit()
+    {
+        QFETCH(const bool, isCommand);
+        m_options.lowSpeedTime = m_options.commandTimeLimit = std::chrono::seconds(1);
+        if (isCommand)
+            m_options.videoInfoCommand = {
+                "sh", "-c", "until [ -e " + path("/go") + " ]; do sleep 0.01; done; echo title=a"};
+        taskengine::setOptions(m_options);
+        misbehave([](Misbehaviour &fault) { fault.holdAfter = 1000; });
+        const auto send = [&](const std::string &key) {
+            return isCommand ? ParseVideoInfo(m_log->parse(key, "http://127.0.0.1/a"))
+                             : DownloadVideo(m_log->video(key, stream(), path("/" + key)));
+        };
+        QCOMPARE(send("paused"), 0);
+        QCOMPARE(SuspendedDownload("paused"), 0);
+        QCOMPARE(send("late"), 0);
+        compareFailure("late", Failure::TimedOut);
+        QVERIFY(!isTerminal(m_log->events("paused").last().code));
+        write(path("/go"), "", QFile::WriteOnly);
+        m_site->clearMisbehaviours();
+        QCOMPARE(SuspendedDownload("paused"), 0);
+        m_site->release();
+        compareEnd("paused", isCommand ? DOWN_STATE_PARSE_SUCCESS : DOWN_STATE_DOWNLOAD_FINISH);
     }
 
     /** Wherever a pause meets the answer, a page in the place of the video is told from the video.
