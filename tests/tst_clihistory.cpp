@@ -288,46 +288,6 @@ private slots:
                  QStringList());
     }
 
-    void killedBatchLosesNothing_data()
-    {
-        QTest::addColumn<int>("finished");
-        for (const int finished : {1, 2, 5})
-            QTest::addRow("after %d", finished) << finished;
-    }
-
-    void killedBatchLosesNothing()
-    {
-        QFETCH(int, finished);
-        QStringList arguments{u"get"_s, u"-j3"_s, u"-o"_s, u"out"_s};
-        for (unsigned number = 1; number <= 8; ++number)
-            arguments += page(("small-" + std::to_string(number)).c_str());
-        QProcess process;
-        begin(process, arguments);
-        QStringList before;
-        while (before.size() < finished && process.waitForReadyRead(int(patience.count()))) {
-            while (process.canReadLine())
-                before += QString::fromUtf8(process.readLine()).trimmed();
-        }
-        process.kill();
-        end(process);
-        const auto fetched = [this](const QString &file) {
-            const QString number = file.section(u' ', -1).section(u'.', 0, 0);
-            return m_site.requestCount("/stream/small-" + number.toStdString());
-        };
-        std::vector<std::size_t> requests;
-        for (const QString &file : std::as_const(before))
-            requests.push_back(fetched(file));
-        const Ended ended = run({u"resume"_s});
-        QVERIFY2(ended.code == 0, qPrintable(ended.error));
-        for (unsigned number = 1; number <= 8; ++number) {
-            const QString address = page(("small-" + std::to_string(number)).c_str());
-            QCOMPARE(listed("state")[address], u"finished"_s);
-            QCOMPARE(contents(listed("path")[address]), smallVideo(number, 34));
-        }
-        for (qsizetype i = 0; i < before.size(); ++i)
-            QCOMPARE(fetched(before[i]), requests[std::size_t(i)]);
-    }
-
     /** A folder of its own file system, too small at first: other tasks go on, and this one later.
      */
     void fullDiskCostsNothing_data()

@@ -147,26 +147,7 @@ QString randomText(QRandomGenerator &random)
             text += QChar(ushort(u'a' + random.bounded(26)));
         }
     }
-    return text;
-}
-
-// What a text must come back as: U+FFFD for what XML cannot carry, nothing for mere white space.
-QString expectedText(const QString &text)
-{
-    QString result;
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const QChar c = text[i];
-        const bool pair =
-            c.isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate();
-        if (pair)
-            result += text.mid(i++, 2);
-        else if (c.isSurrogate() || c.unicode() >= 0xfffe ||
-                 (c < u' ' && c != u'\t' && c != u'\n' && c != u'\r'))
-            result += QChar(0xfffd);
-        else
-            result += c;
-    }
-    return result.trimmed().isEmpty() ? QStringLiteral("") : result;
+    return text.trimmed().isEmpty() ? QString() : text; // parsers drop mere white space
 }
 
 QDateTime randomDate(QRandomGenerator &random)
@@ -206,25 +187,6 @@ void randomize(CXMLInfo &info, QRandomGenerator &random)
     info.FileSize = qint64(random.generate64());
     info.Profile->m_pDesc->vFps = randomFloat(random);
     info.Profile->m_pDesc->interlaced = random.bounded(2) == 1;
-}
-
-void compare(const CXMLInfo &got, const CXMLInfo &want)
-{
-    const Profile_Desc &gotProfile = *got.Profile->m_pDesc;
-    const Profile_Desc &wantProfile = *want.Profile->m_pDesc;
-    QCOMPARE(got.MD5Code, expectedText(want.MD5Code));
-    QCOMPARE(got.Title, expectedText(want.Title));
-    QCOMPARE(got.FileName, expectedText(want.FileName));
-    QCOMPARE(gotProfile.pspTitle, expectedText(wantProfile.pspTitle));
-    QCOMPARE(got.DownLoadDate, want.DownLoadDate);
-    QCOMPARE(got.DownLoadFinishTime, want.DownLoadFinishTime);
-    QCOMPARE(got.State, want.State);
-    QCOMPARE(got.Duration, want.Duration);
-    QCOMPARE(got.FileSize, want.FileSize);
-    QCOMPARE(gotProfile.vSize_Width, wantProfile.vSize_Width);
-    QCOMPARE(gotProfile.interlaced, wantProfile.interlaced);
-    QCOMPARE(QString::number(double(gotProfile.vFps), 'g', 6),
-             QString::number(double(wantProfile.vFps), 'g', 6));
 }
 
 } // namespace
@@ -327,20 +289,12 @@ private slots:
         QLocale::setDefault(before);
         QCOMPARE(loaded.count(), history.count());
 
-        // The file's order is that of the groups, so records are found again by their numbers.
-        QHash<QString, QList<CXMLInfo *>> byContent;
-        const auto mark = [](const CXMLInfo &info) {
-            return QString::number(info.FileSize) + u'/' + QString::number(info.State);
-        };
-        for (CXMLInfo *info : std::as_const(loaded.m_InfoList))
-            byContent[mark(*info)].append(info);
-        for (const CXMLInfo *info : std::as_const(history.m_InfoList)) {
-            const auto found = byContent.value(mark(*info));
-            QCOMPARE(found.size(), 1);
-            compare(*found.first(), *info);
-            if (QTest::currentTestFailed())
-                return;
-        }
+        // The file's order is that of the groups.
+        QStringList want = storedIn(history);
+        QStringList got = storedIn(loaded);
+        want.sort();
+        got.sort();
+        QCOMPARE(got, want);
     }
 
     void skippedLocalTimeSurvives()

@@ -2,14 +2,11 @@
 #include "driver/taskstate.h"
 
 #include <QDir>
-#include <QProcess>
-#include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <csignal>
-#include <cstdio>
 #include <memory>
 
 #include <sys/resource.h>
@@ -80,23 +77,6 @@ struct FullDisk
     ~FullDisk() { setrlimit(RLIMIT_FSIZE, &old); }
     rlimit old{};
 };
-
-// The child of `survivesKilling`: each save has one task more, and is told once it is done.
-int saveContinuously(const QString &path)
-{
-    CDown controller(nullptr);
-    HistoryKeeper keeper(controller, path);
-    if (!keeper.open().isEmpty())
-        return 1;
-    for (int saves = 0; saves < 200; ++saves) {
-        addTask(controller, QString(500, u'x'));
-        if (!keeper.save().isEmpty())
-            return 1;
-        std::printf("%d\n", controller.count());
-        std::fflush(stdout);
-    }
-    return 0;
-}
 
 // A controller with its keeper, as an application has them.
 struct Application
@@ -480,29 +460,6 @@ private slots:
         QCOMPARE(application.keeper.save(), QString());
     }
 
-    void survivesKilling()
-    {
-        QRandomGenerator random(3);
-        for (int round = 0; round < 10; ++round) {
-            init();
-            QProcess child;
-            child.start(QCoreApplication::applicationFilePath(),
-                        {QStringLiteral("--save-continuously"), m_path});
-            int saved = 0;
-            for (const int last = random.bounded(1, 200); saved < last;) {
-                QVERIFY(child.canReadLine() || child.waitForReadyRead(60000));
-                while (child.canReadLine())
-                    saved = child.readLine().toInt();
-            }
-            child.kill();
-            QVERIFY(child.waitForFinished(60000));
-            Application after(m_path);
-            QCOMPARE(after.problem, QString());
-            QCOMPARE(after.keeper.setAsidePath(), QString());
-            QVERIFY(after.controller.count() >= saved);
-        }
-    }
-
 private:
     QString journal() const { return m_path + u".journal"_s; }
     QString file(const QString &name) const { return m_folder->filePath(name); }
@@ -527,14 +484,6 @@ private:
     QString m_path;
 };
 
-int main(int argc, char **argv)
-{
-    QCoreApplication application(argc, argv);
-    const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.value(1) == QLatin1String("--save-continuously"))
-        return saveContinuously(arguments.value(2));
-    HistoryKeeperTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+QTEST_GUILESS_MAIN(HistoryKeeperTest)
 
 #include "tst_historykeeper.moc"
