@@ -850,7 +850,7 @@ private slots:
     void pauseHasNoTimeLimit()
     {
         QFETCH(const bool, isCommand);
-        m_options.lowSpeedTime = m_options.commandTimeLimit = std::chrono::seconds(1);
+        m_options.lowSpeedTime = m_options.commandTimeLimit = std::chrono::seconds(3);
         if (isCommand)
             m_options.videoInfoCommand = {
                 "sh", "-c", "until [ -e " + path("/go") + " ]; do sleep 0.01; done; echo title=a"};
