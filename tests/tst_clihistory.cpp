@@ -48,14 +48,14 @@ private:
         m_site.addMisbehaviour(refuse);
     }
 
-    // Files with bytes whose name ends so.
+    // Files with bytes whose name ends so; thumbnails come and go.
     std::size_t filesWith(const QString &suffix) const
     {
         std::size_t count = 0;
         for (const char *folder : {".", "out", "dl"}) {
             for (const QFileInfo &file :
                  QDir(path(folder)).entryInfoList({u'*' + suffix}, QDir::Files | QDir::Hidden))
-                count += std::size_t(file.size() > 0);
+                count += std::size_t(file.size() > 0 && !file.fileName().contains(u".jpg"_s));
         }
         return count;
     }
