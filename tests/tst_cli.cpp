@@ -183,6 +183,12 @@ private slots:
                                  u"http://any.invalid/page"_s});
         QVERIFY2(ended.code == 0, qPrintable(ended.error));
         QCOMPARE(contents(path("told httpany.invalidpage.mp4")), smallVideo(3, 18));
+        for (const char *bad : {"echo hello", "echo status=fail"}) {
+            const Ended failed = run({u"get"_s, page("small-3"), u"--video-info-command"_s,
+                                      u"sh -c '%1'"_s.arg(QString::fromLatin1(bad))});
+            QCOMPARE(failed.code, 1);
+            QVERIFY2(failed.error.contains(u"by hand"_s), qPrintable(failed.error));
+        }
     }
 
     void barsFitTheTerminal()

@@ -101,8 +101,7 @@ private slots:
             << SIGKILL << interrupted << copies
             << QStringList{u"get"_s, page("small-1"), page("small-2")} + copies;
         QTest::newRow("stopped, tried again")
-            << SIGINT << stopped << plain
-            << QStringList{u"retry"_s, page("small-1"), page("small-2")};
+            << SIGINT << stopped << plain << QStringList{u"retry"_s};
     }
 
     void brokenOffWorkGoesOn()

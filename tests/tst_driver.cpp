@@ -573,6 +573,33 @@ private slots:
         QVERIFY(f.files(u"out"_s).isEmpty());
     }
 
+    // What stands under a name of the task is its own only while it has the task's size.
+    void filesOfATask()
+    {
+        const QTemporaryDir root;
+        CXMLInfo record(nullptr);
+        record.FileName = root.filePath(u"video"_s);
+        record.SaveAsFileName = root.filePath(u"copy"_s);
+        record.ImagePath = root.filePath(u"image"_s);
+        record.IsOrgVideo = 1;
+        record.FileSize = 5;
+        for (const char *name : {"video", "copy", "image", "video~", "image~", "copy~"})
+            TaskFixture::write(root.filePath(QString::fromLatin1(name)), "bytes");
+        const auto names = [&] {
+            QStringList found;
+            for (const QString &path : taskrecord::filesOf(
+                     record, [](const QString &file) { return QStringList{file + u'~'}; }))
+                found << QFileInfo(path).fileName();
+            return found.join(u' ');
+        };
+        QCOMPARE(names(), u"video video~ copy image image~"_s);
+        record.FileSize = 6;
+        QCOMPARE(names(), u"image image~"_s);
+        record.IsOrgVideo = 0;
+        record.ConvertionDesc = u"avi"_s;
+        QCOMPARE(names(), u"copy image image~"_s);
+    }
+
     void progressIsTold()
     {
         DriverFixture f;
