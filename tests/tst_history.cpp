@@ -60,6 +60,8 @@ QByteArray randomContent(QRandomGenerator &random, int depth)
                                           "&#32;",
                                           "&#xd;",
                                           "&e;",
+                                          "&Title;",
+                                          "&Profile;",
                                           "\r\n",
                                           "\xc2\xa0",
                                           "<!-- a&#1;b -->",
@@ -344,10 +346,11 @@ private slots:
         const int rounds = qEnvironmentVariableIntValue("VIDEODOWN_DOCUMENTS");
         QRandomGenerator random(11);
         for (int round = 0; round < qMax(rounds, 500); ++round) {
+            // Entities that are not declared here may be declared elsewhere.
             const QByteArray heads[] = {"", "<?xml-stylesheet encoding='UTF-16'?>",
                                         "<?xml version='1.0' encoding='UTF-8'?>"};
             const QByteArray bytes = heads[random.bounded(3)] +
-                                     "<!DOCTYPE d [<!ENTITY e 'b &#60;'>]>" +
+                                     "<!DOCTYPE d SYSTEM 'd' [<!ENTITY e 'b &#60;'>]>" +
                                      document("<Info>" + randomContent(random, 3) + "</Info>" +
                                               randomContent(random, 4));
             write(m_path, bytes);
