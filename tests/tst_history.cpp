@@ -60,6 +60,10 @@ QByteArray randomContent(QRandomGenerator &random, int depth)
                                           "&#32;",
                                           "&#xd;",
                                           "&e;",
+                                          "&Title;<Title>t</Title>",
+                                          "&Profile;<Profile><pspTitle>p</pspTitle></Profile>",
+                                          "<?Profile?><Profile><pspTitle>p</pspTitle></Profile>",
+                                          "<Profile><?pspTitle?><pspTitle>p</pspTitle></Profile>",
                                           "\r\n",
                                           "\xc2\xa0",
                                           "<!-- a&#1;b -->",
@@ -346,8 +350,9 @@ private slots:
         for (int round = 0; round < qMax(rounds, 500); ++round) {
             const QByteArray heads[] = {"", "<?xml-stylesheet encoding='UTF-16'?>",
                                         "<?xml version='1.0' encoding='UTF-8'?>"};
+            // Entities that are not declared here may be declared elsewhere.
             const QByteArray bytes = heads[random.bounded(3)] +
-                                     "<!DOCTYPE d [<!ENTITY e 'b &#60;'>]>" +
+                                     "<!DOCTYPE d SYSTEM 'd' [<!ENTITY e 'b &#60;'>]>" +
                                      document("<Info>" + randomContent(random, 3) + "</Info>" +
                                               randomContent(random, 4));
             write(m_path, bytes);
@@ -454,10 +459,11 @@ private slots:
                         .arg(QStringLiteral("&e%1;").arg(i - 1).repeated(10))
                         .toLatin1();
         // Each reference is within the parser's own bounds.
-        QTest::newRow("growing entities")
-            << "<!DOCTYPE d [<!ENTITY e \"" + QByteArray(4000, 'x') + "\">]>" +
-                   damaged(QByteArray("&e;").repeated(60000))
-            << QStringLiteral("A B");
+        const QByteArray entity = "<!DOCTYPE d [<!ENTITY e \"" + QByteArray(4000, 'x') + "\">]>";
+        const QByteArray references = QByteArray("&e;").repeated(60000);
+        QTest::newRow("growing text") << entity + damaged(references) << QStringLiteral("A B");
+        QTest::newRow("growing attribute in a file like ours")
+            << ours + entity + damaged("<x a='" + references + "'/>") << QStringLiteral("A B");
         QTest::newRow("entity bomb") << bomb + "]>" + damaged("&e11;") << QStringLiteral("A B");
     }
 

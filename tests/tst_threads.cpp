@@ -305,6 +305,25 @@ private slots:
         QCOMPARE(f.read(f.out() + u'/' + QFileInfo(f.task(1)->FileName).fileName()),
                  QByteArray("video"));
     }
+
+    /** The file is a pipe, and the history is more than a pipe takes at once. */
+    void savingHoldsNoLock()
+    {
+        TaskFixture f;
+        f.parsed(1, true);
+        f.task(1)->Title = QString(1000000, u'a');
+        QFile pipe(f.out() + QStringLiteral("/history.xml"));
+        QCOMPARE(mkfifo(QFile::encodeName(pipe.fileName()).constData(), 0600), 0);
+        std::thread saver([&] { f.down->SaveToFile(pipe.fileName()); });
+        const bool isSaving = pipe.open(QIODevice::ReadOnly);
+        f.task(1)->Title.clear();
+        const int count = f.down->count();
+        const QByteArray saved = pipe.readAll();
+        saver.join();
+        QVERIFY(isSaving);
+        QCOMPARE(count, 1);
+        QVERIFY(saved.size() > 1000000 && saved.endsWith("</DownloadInfos_History>\n"));
+    }
 };
 
 QTEST_GUILESS_MAIN(ThreadsTest)

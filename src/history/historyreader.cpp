@@ -112,9 +112,9 @@ QString withoutBadReferences(QString text)
 class Reader
 {
 public:
-    Reader(const historyfile::Content &content, CXMLHistory *history)
-        : m_history(history), m_longestText(content.utf8.size() + content.text.size() + mostGrowth)
+    Reader(const historyfile::Content &content, CXMLHistory *history) : m_history(history)
     {
+        limitGrowth(content.utf8.count('&') + content.text.count(u'&'));
         if (content.utf8.isEmpty())
             m_xml.addData(content.text);
         else
@@ -123,18 +123,27 @@ public:
 
     QList<CXMLInfo *> tasks()
     {
-        while (!m_xml.atEnd() && m_textSize <= m_longestText)
+        while (!m_xml.atEnd())
             step(m_xml.readNext());
         endField(); // what was read before an error counts
         return m_tasks;
     }
 
 private:
-    // Entities can make much of little; a text grows by no more than this.
-    static constexpr qsizetype mostGrowth = 200000000;
+    // Entities can make much of little: together they add no more characters than this (200 MB).
+    static constexpr qsizetype mostGrowth = 100000000;
     static constexpr int taskDepth = 5;
     static constexpr int fieldDepth = 6;
     static constexpr int profileFieldDepth = 7;
+
+    // The parser's own bound is for one reference. All the text between two tags is one token, so
+    // to count what has come would be too late.
+    void limitGrowth(qsizetype references)
+    {
+        const qsizetype share = mostGrowth / std::max<qsizetype>(references, 1);
+        const int parsersOwn = m_xml.entityExpansionLimit();
+        m_xml.setEntityExpansionLimit(int(std::clamp<qsizetype>(share, 1, parsersOwn)));
+    }
 
     void step(QXmlStreamReader::TokenType token)
     {
@@ -143,7 +152,9 @@ private:
         else if (token == QXmlStreamReader::EndElement)
             endElement();
         else if (token == QXmlStreamReader::ProcessingInstruction)
-            instruction(m_xml.processingInstructionTarget());
+            textless(m_xml.processingInstructionTarget());
+        else if (token == QXmlStreamReader::EntityReference)
+            textless(m_xml.name());
         else if (token == QXmlStreamReader::Characters)
             characters(m_xml.text());
     }
@@ -151,19 +162,19 @@ private:
     // As the DOM parser, which makes no nodes of white space, but keeps sections of it.
     void characters(QStringView text)
     {
-        m_textSize += text.size();
         if (m_field >= 0 && (m_xml.isCDATA() || !text.trimmed().isEmpty()))
             m_text += text;
     }
 
-    // Fields are looked up by the names of nodes: an instruction has one, and no text.
-    void instruction(QStringView target)
+    // Fields are looked up by the names of nodes, and an instruction, or a reference to an entity
+    // that is declared elsewhere, has one too: it counts as the field, without text.
+    void textless(QStringView name)
     {
         if (m_depth == taskDepth && m_info) {
-            m_profileSeen = m_profileSeen || target == QLatin1String("Profile");
-            fillEmpty(*m_info, target);
+            m_profileSeen = m_profileSeen || name == QLatin1String("Profile");
+            fillEmpty(*m_info, name);
         } else if (m_depth == fieldDepth && m_inProfile) {
-            fillEmpty(*m_profile, target);
+            fillEmpty(*m_profile, name);
         }
     }
 
@@ -222,8 +233,6 @@ private:
 
     QXmlStreamReader m_xml;
     CXMLHistory *m_history;
-    const qsizetype m_longestText; // of all texts together
-    qsizetype m_textSize = 0;
     QList<CXMLInfo *> m_tasks;
     std::optional<InfoFiller> m_info;
     std::optional<ProfileFiller> m_profile;
