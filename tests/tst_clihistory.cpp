@@ -70,9 +70,11 @@ private:
             return contents(path("data/videodown/history.xml.journal"))
                 .count("\"DownLoadURL\":\"h");
         };
-        QTRY_COMPARE_WITH_TIMEOUT(std::size_t(saved()), atWork, int(patience.count()));
-        for (const QString &suffix : {u".part"_s, u".part-info"_s})
-            QTRY_COMPARE_WITH_TIMEOUT(filesWith(suffix), atWork, int(patience.count()));
+        const auto isOnDisk = [&] {
+            return std::size_t(saved()) == atWork && filesWith(u".part"_s) == atWork &&
+                   filesWith(u".part-info"_s) == atWork;
+        };
+        QVERIFY(QTest::qWaitFor(isOnDisk, int(patience.count())));
         kill(pid_t(process.processId()), signal);
         QVERIFY(end(process).bySignal);
         endFaults();

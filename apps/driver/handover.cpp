@@ -125,6 +125,7 @@ void DownloadDriver::sendVideo(const QString &key)
         return;
     }
     const auto send = [&] {
+        const ControllerLock lock;
         m_controller->m_bUseProfileFmt = task.byProfile;
         m_ReDownLoadList.append(key); // the library then writes to the name as it is
         return m_controller->DownloadVideo(key);

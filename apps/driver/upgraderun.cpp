@@ -5,10 +5,10 @@
 
 #include <utility>
 
-// Called with the lock held. The engine may answer from inside the request: the record is looked up
-// anew behind it.
+// The engine may answer from inside the request: the record is looked up anew behind it.
 int DownloadDriver::requestUpgrade(const QString &key, Task &task, Profile_Desc profile)
 {
+    const ControllerLock lock;
     task.upgrade.emplace(*m_controller->getXMLInfo(key));
     if (!m_controller->IsReDownLoadVideo(key, &profile)) {
         task.finding = Finding::AlreadyAsLarge;
