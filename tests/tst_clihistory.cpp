@@ -68,7 +68,7 @@ private:
         QVERIFY(m_site.waitForHeld(atWork, patience));
         const auto saved = [this] {
             return contents(path("data/videodown/history.xml.journal"))
-                .count("\"DownLoadURL\":\"h");
+                .count(R"("DownLoadURL":"h)");
         };
         const auto isOnDisk = [&] {
             return std::size_t(saved()) == atWork && filesWith(u".part"_s) == atWork &&

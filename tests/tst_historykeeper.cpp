@@ -201,7 +201,7 @@ private slots:
             doubled += line + '\n';
         QCOMPARE(progressWith(doubled), 4);
         QByteArray spoiled = whole;
-        spoiled[spoiled.indexOf("\"Progress\":\"4\"") + 12] = '9';
+        spoiled[spoiled.indexOf(R"("Progress":"4")") + 12] = '9';
         QCOMPARE(progressWith(spoiled), 3);
         QCOMPARE(progressWith(QByteArray(5000, 'x')), 0);
         for (int line = 0; line < 100000; ++line)
