@@ -67,8 +67,8 @@ private:
         begin(process, arguments);
         QVERIFY(m_site.waitForHeld(atWork, patience));
         const auto saved = [this] {
-            return contents(path("data/videodown/history.xml.journal"))
-                .count(R"("DownLoadURL":"h)");
+            const QByteArray address = QByteArray(R"("DownLoadURL")") + ':' + '"' + 'h';
+            return contents(path("data/videodown/history.xml.journal")).count(address);
         };
         const auto isOnDisk = [&] {
             return std::size_t(saved()) == atWork && filesWith(u".part"_s) == atWork &&
