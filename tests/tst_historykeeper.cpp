@@ -262,21 +262,25 @@ private slots:
     void leftoversAreTakenAway_data()
     {
         QTest::addColumn<TaskState>("state");
+        QTest::addColumn<QByteArray>("video");
         QTest::addColumn<QStringList>("stay"); // of all the files below
+        const QStringList files{u"copy.mp4"_s, u"video.mp4"_s};
         const QStringList parts{u"video.mp4.part"_s, u"video.mp4.part-info"_s};
-        QTest::newRow("interrupted") << TaskState::Running << parts;
-        QTest::newRow("finished") << TaskState::Finished
-                                  << QStringList{u"copy.mp4"_s, u"video.mp4"_s} + parts;
+        QTest::newRow("interrupted") << TaskState::Running << QByteArray() << parts;
+        QTest::newRow("complete") << TaskState::Running << QByteArray("whole") << files.mid(1);
+        QTest::newRow("finished") << TaskState::Finished << QByteArray() << files + parts;
     }
 
     void leftoversAreTakenAway()
     {
         QFETCH(TaskState, state);
+        QFETCH(QByteArray, video);
         QFETCH(QStringList, stay);
         {
             Application first(m_path);
             CXMLInfo *task = addTask(first.controller, u"one"_s, TaskState::Running);
             task->IsOrgVideo = 1;
+            task->FileSize = 5;
             task->FileName = file(u"video.mp4"_s);
             task->SaveAsFileName = file(u"copy.mp4"_s);
             task->ImagePath = file(u"image.jpg"_s);
@@ -286,7 +290,8 @@ private slots:
             QVERIFY(first.commit({u"one"_s}));
             takeAway();
         }
-        for (const QString &name : {u"video.mp4"_s, u"copy.mp4"_s, u"image.jpg"_s})
+        write(file(u"video.mp4"_s), video);
+        for (const QString &name : {u"copy.mp4"_s, u"image.jpg"_s})
             write(file(name), "");
         for (const QString &name : {u"video.mp4"_s, u"image.jpg"_s}) {
             write(file(name + u".part"_s), "part");
