@@ -20,6 +20,7 @@
 #include <sys/fsuid.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using taskengine::Failure;
 using taskengine::ProxyType;
@@ -225,6 +226,25 @@ private slots:
         else
             compareEnd("page", DOWN_STATE_PARSE_SUCCESS);
         QCOMPARE(m_log->end("page").text, text);
+    }
+
+    void tooManyOpenFiles()
+    {
+        m_options.videoInfoCommand = {"echo", "title=a"};
+        taskengine::setOptions(m_options);
+        rlimit old = {};
+        QCOMPARE(::getrlimit(RLIMIT_NOFILE, &old), 0);
+        const int lowest = ::dup(0);
+        ::close(lowest);
+        const rlimit none = {static_cast<rlim_t>(lowest), old.rlim_max};
+        QCOMPARE(::setrlimit(RLIMIT_NOFILE, &none), 0);
+        ParseVideoInfo(m_log->parse("page", "http://127.0.0.1/a"));
+        DownloadVideo(video());
+        m_log->end("page");
+        m_log->end("video");
+        ::setrlimit(RLIMIT_NOFILE, &old);
+        compareFailure("page", Failure::TooManyFiles);
+        compareFailure("video", Failure::TooManyFiles);
     }
 
     void commandIsKilledWhenTimeIsUp()
@@ -586,7 +606,7 @@ private slots:
         const auto fault = part.append("0123", 4);
         ::setrlimit(RLIMIT_FSIZE, &old);
         (void)std::signal(SIGXFSZ, handler);
-        QVERIFY(fault && fault->is(Failure::FileNotWritable));
+        QVERIFY(fault && fault->is(Failure::FileTooLarge));
         QCOMPARE(part.size(), 2);
         const auto commit = part.commit(path("/none/video"));
         QVERIFY(commit && commit->is(Failure::FolderMissing));
