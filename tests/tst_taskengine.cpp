@@ -844,7 +844,7 @@ private slots:
         const auto send = [&](const std::string &key, const std::string &address) {
             tagTaskInfo record = isCommand ? m_log->parse(key, "http://127.0.0.1/a")
                                            : m_log->video(key, address, path("/" + key));
-            record.nEngineParam2 = key == "late" ? 1 : 2;
+            record.nEngineParam2 = what == u"retry" && key != "late" ? 2 : 1;
             record.nEngineParam3 = 1000;
             return isCommand ? ParseVideoInfo(record) : DownloadVideo(record);
         };
