@@ -28,8 +28,8 @@ void CommandJob::beginTry()
     std::vector<std::string> arguments = options().videoInfoCommand;
     arguments.push_back(page);
     m_deadline = Clock::now() + options().commandTimeLimit;
-    if (m_process.start(arguments) != 0)
-        fail(permanent(Failure::CommandNotFound));
+    if (const int error = m_process.start(arguments))
+        fail(commandFault(error));
 }
 
 void CommandJob::work(Clock::time_point now)

@@ -22,14 +22,14 @@ void leavePart(PartFile &part, bool mayContinue)
 class PartCompletion : public Completion
 {
 public:
-    PartCompletion(std::unique_ptr<PartFile> part, std::shared_ptr<TargetFile> target, bool isVideo)
-        : m_part(std::move(part)), m_target(std::move(target)), m_isVideo(isVideo)
+    PartCompletion(std::unique_ptr<PartFile> part, std::shared_ptr<TargetFile> target)
+        : m_part(std::move(part)), m_target(std::move(target))
     {
     }
 
     ~PartCompletion() override
     {
-        leavePart(*m_part, m_isVideo);
+        leavePart(*m_part, true);
         m_target->release();
     }
 
@@ -44,7 +44,6 @@ public:
 private:
     const std::unique_ptr<PartFile> m_part;
     const std::shared_ptr<TargetFile> m_target;
-    const bool m_isVideo;
 };
 
 } // namespace
@@ -80,7 +79,7 @@ std::optional<Fault> DownloadJob::openPart()
 
 void DownloadJob::leaveFiles(bool mayContinue)
 {
-    leavePart(*m_part, isVideo() && mayContinue);
+    leavePart(*m_part, mayContinue);
 }
 
 void DownloadJob::work(Clock::time_point now)
@@ -194,7 +193,7 @@ std::optional<Fault> DownloadJob::complete()
     finish({DOWN_STATE_DOWNLOAD_FINISH,
             static_cast<double>(size),
             {},
-            std::make_unique<PartCompletion>(std::move(part), target(), isVideo())});
+            std::make_unique<PartCompletion>(std::move(part), target())});
     return std::nullopt;
 }
 

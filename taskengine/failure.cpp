@@ -113,8 +113,24 @@ Fault fileFault(int error)
         return permanent(Failure::TooManyFiles);
     case EIO:
         return permanent(Failure::DiskError);
+    case EFBIG:
+        return permanent(Failure::FileTooLarge);
     default:
         return permanent(Failure::FileNotWritable);
+    }
+}
+
+Fault commandFault(int error)
+{
+    switch (error) {
+    case EMFILE:
+    case ENFILE:
+        return permanent(Failure::TooManyFiles);
+    case EAGAIN:
+    case ENOMEM:
+        return permanent(Failure::Internal);
+    default:
+        return permanent(Failure::CommandNotFound);
     }
 }
 

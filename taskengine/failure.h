@@ -37,6 +37,9 @@ Fault transferFault(CURL *easy, CURLcode code, bool viaProxy);
 /** @return the fault of a file operation that set `error` (errno) */
 Fault fileFault(int error);
 
+/** @return the fault of a command that could not be started because of `error` (errno) */
+Fault commandFault(int error);
+
 } // namespace taskengine
 
 #endif

@@ -42,7 +42,7 @@ constexpr std::array<Words, 14> statuses{{
     {504, "Gateway Timeout", tryLater},
 }};
 
-constexpr std::array<Words, 26> failures{{
+constexpr std::array<Words, 27> failures{{
     {valueOf(Failure::BadAddress), "not the address of a video", checkAddress},
     {valueOf(Failure::ForbiddenProtocol), "the address leads away from HTTP and HTTPS",
      checkAddress},
@@ -72,13 +72,15 @@ constexpr std::array<Words, 26> failures{{
      "Wait until it has ended."},
     {valueOf(Failure::DiskFull), "the disk is full", "Free some space and try again."},
     {valueOf(Failure::CommandNotFound), "the video-info command cannot be started",
-     "Check the name of the command and that it is installed."},
+     "Check the name of the command, and that it is installed and executable."},
     {valueOf(Failure::CommandFailed), "the video-info command failed", byHand},
     {valueOf(Failure::Internal), "internal error", ""},
     {valueOf(Failure::TooManyFiles), "too many files are open",
      "Download fewer videos at once, or allow more open files."},
     {valueOf(Failure::DiskError), "the disk reports an error", "Check the disk."},
     {valueOf(Failure::UnusableOutput), "the video-info command gave no usable answer", byHand},
+    {valueOf(Failure::FileTooLarge), "the file is larger than the disk or the system allows",
+     "Choose a smaller format, or a download folder on another file system."},
 }};
 
 template <typename Table>

@@ -96,6 +96,7 @@ enum class Failure {
     TooManyFiles = 1023,      ///< the program or the system has too many files open
     DiskError = 1024,         ///< the disk cannot be read or written
     UnusableOutput = 1025,    ///< the video-info command printed no field, or too much
+    FileTooLarge = 1026,      ///< beyond what the file system or the process may write
 };
 
 /** Settings that hold for the whole engine. A duration of 0 turns a limit off. */

@@ -175,7 +175,7 @@ std::optional<Fault> PartFile::commit(const std::string &target)
 
 void PartFile::keep()
 {
-    if (!canContinue()) {
+    if (!canContinue() || !isSameFile(m_file, m_path)) {
         discard();
         return;
     }

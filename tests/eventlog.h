@@ -98,20 +98,15 @@ public:
         return found;
     }
 
-    void copyText(char *field, std::size_t size, const std::string &text)
+    template <std::size_t Size>
+    static void copy(char (&field)[Size], const std::string &text)
     {
-        field[text.copy(field, size - 1)] = '\0';
+        field[text.copy(field, Size - 1)] = '\0';
     }
 
 private:
     /** Generous: it only ends a test that has failed. */
     static constexpr std::chrono::seconds deadline{60};
-
-    template <std::size_t Size>
-    void copy(char (&field)[Size], const std::string &text)
-    {
-        copyText(field, Size, text);
-    }
 
     tagTaskInfo request(const std::string &key)
     {
