@@ -2,7 +2,7 @@
 // Input: "EXT WIDTHxHEIGHT", the list of formats and the list of streams, a line each.
 #include "expect.h"
 
-#include "driver/formatchoice.h"
+#include "driver/videooffer.h"
 #include "video/formatentry.h"
 #include "video/formatselection.h"
 
@@ -67,15 +67,12 @@ void select(const Profile_Desc &profile, const QString &fmtList, const QString &
 
 void choose(const Profile_Desc &profile, const QString &fmtList, const QString &streams)
 {
-    const QList<OfferedFormat> offers = formatchoice::offered(fmtList, streams);
+    const VideoOffer offer(fmtList, streams);
+    const QList<OfferedFormat> &offers = offer.formats();
     for (const bool keepSource : {false, true}) {
-        DownloadRequest request;
-        request.profile = profile;
-        request.keepSource = keepSource;
-        const FormatWish wish = formatchoice::settled(request, fmtList, streams);
-        const ChosenFormat chosen = formatchoice::chosen(wish, fmtList, streams);
-        const auto isChosen = [&](const OfferedFormat &offer) {
-            return offer.number == chosen.number;
+        const ChosenFormat chosen = offer.chosen(offer.settled(profile, keepSource));
+        const auto isChosen = [&](const OfferedFormat &each) {
+            return each.number == chosen.number;
         };
         expect(chosen.number == 0 || std::any_of(offers.cbegin(), offers.cend(), isChosen),
                "what is chosen is on offer");

@@ -2,7 +2,7 @@
 #include "driver/historykeeper.h"
 #include "driverfixture.h"
 
-#include "driver/formatchoice.h"
+#include "driver/outputname.h"
 #include "driver/plaintext.h"
 #include "strutil/narrowtext.h"
 
@@ -521,7 +521,7 @@ private slots:
             const ControllerLock lock;
             m_DownloadAllTask = QStringList(requests, u"somebody else's"_s);
         };
-        occupy(5);
+        occupy(maxVideoLimit + 3);
         f.add(f.url(1));
         f.turn();
         QCOMPARE(f.results.size(), 1);
@@ -529,7 +529,7 @@ private slots:
         const QString key = f.add(f.url(2));
         f.turn();
         f.engine.sendResponse(key, TaskFixture::response(2));
-        occupy(5);
+        occupy(maxVideoLimit + 3);
         f.turn();
         QCOMPARE(f.results.size(), 2);
         for (const DownloadResult &result : std::as_const(f.results))
@@ -617,6 +617,105 @@ private slots:
         QCOMPARE(told.first().received, 2000000000LL);
         QCOMPARE(told.first().total, 5000000000LL);
         QCOMPARE(told.first().bytesPerSecond, 0LL);
+    }
+
+    void transfersArePaused()
+    {
+        DriverFixture f;
+        QList<DownloadProgress> told;
+        connect(f.driver.get(), &DownloadDriver::progressed,
+                [&told](const DownloadProgress &progress) { told.append(progress); });
+        const QString key = f.running(1);
+        f.engine.sendState(key, DOWN_STATE_DOWNLOAD_PROGRESS, 300);
+        f.engine.sendState(key, DOWN_STATE_DOWNLOAD_SPEED, 100);
+        f.turn();
+        QVERIFY(!f.driver->setPaused(key, false));
+        QVERIFY(f.driver->setPaused(key, true));
+        QVERIFY(!f.driver->setPaused(key, true));
+        f.engine.sendState(key, DOWN_STATE_DOWNLOAD_SPEED, 100); // was on its way
+        f.turn();
+        QCOMPARE(f.engine.calls("suspend"), QStringList{key});
+        QCOMPARE(f.driver->activity(key), TaskActivity::Paused);
+        QVERIFY(told.last().paused && told.last().bytesPerSecond == 0);
+        const QString other = f.running(2);
+        f.engine.sendState(other, DOWN_STATE_DOWNLOAD_SPEED, 50);
+        f.engine.sendState(other, DOWN_STATE_FILE_SIZE, 700);
+        f.turn();
+        const DownloadTotals totals = f.driver->totals();
+        QCOMPARE(QList<qint64>({totals.downloading, totals.paused, totals.received, totals.total,
+                                totals.bytesPerSecond}),
+                 QList<qint64>({2, 1, 300, 1000, 50}));
+        f.engine.setResult(-1); // the transfer has ended, but nobody knows yet
+        QVERIFY(!f.driver->setPaused(key, false));
+        f.engine.setResult(0);
+        QVERIFY(f.driver->setPaused(key, false));
+        f.turn();
+        QVERIFY(!told.last().paused);
+    }
+
+    void waitingTasksAreMoved()
+    {
+        DriverFixture f(1);
+        QStringList keys{f.running(1)};
+        for (int number = 2; number <= 6; ++number)
+            keys << f.add(f.url(number));
+        f.turn(); // two are parsed ahead, beside a thumbnail
+        QVERIFY(!f.driver->moveBefore(keys[1], keys[5]));
+        QVERIFY(f.driver->moveBefore(keys[5], keys[3]));
+        QVERIFY(f.driver->moveBefore(keys[3], {}));
+        QCOMPARE(f.driver->totals().waiting, 3);
+        f.engine.sendResponse(keys[1], TaskFixture::response(2));
+        f.turn();
+        QCOMPARE(f.driver->activity(keys[1]), TaskActivity::Waiting);
+        f.driver->setVideoLimit(maxVideoLimit + 1);
+        QCOMPARE(f.driver->videoLimit(), maxVideoLimit);
+        for (int turns = 0; turns < 20; ++turns) {
+            f.turn();
+            for (const QString &key : std::as_const(keys)) {
+                if (f.driver->activity(key) == TaskActivity::Parsing)
+                    f.engine.sendResponse(key, TaskFixture::response(7));
+            }
+            for (const QString &image : f.engine.calls("image"))
+                f.engine.sendState(image, DOWN_STATE_DOWNLOAD_FINISH);
+        }
+        QCOMPARE(f.driver->totals().downloading, 6);
+        QCOMPARE(f.engine.calls("parse").mid(3), QStringList({keys[5], keys[4], keys[3]}));
+    }
+
+    void actions_data()
+    {
+        QTest::addColumn<TaskState>("state");
+        QTest::addColumn<bool>("hasFile");
+        QTest::addColumn<QList<TaskAction>>("actions");
+        using A = TaskAction;
+        QTest::newRow("waiting") << TaskState::None << false << QList<A>{A::Stop, A::Move};
+        QTest::newRow("interrupted")
+            << TaskState::Running << false << QList<A>{A::Resume, A::Retry, A::Remove};
+        QTest::newRow("stopped") << TaskState::Stopped << false
+                                 << QList<A>{A::Resume, A::Retry, A::Remove};
+        QTest::newRow("failed") << TaskState::Failed << false << QList<A>{A::Retry, A::Remove};
+        QTest::newRow("finished") << TaskState::Finished << true
+                                  << QList<A>{A::Upgrade, A::Rename, A::Remove, A::Open};
+        QTest::newRow("file gone") << TaskState::Finished << false << QList<A>{A::Remove};
+    }
+
+    void actions()
+    {
+        QFETCH(TaskState, state);
+        QFETCH(bool, hasFile);
+        DriverFixture f;
+        const QString key = state == TaskState::None ? f.add(f.url(1)) : u"key"_s;
+        if (state != TaskState::None) {
+            const ControllerLock lock;
+            CXMLInfo *record = f.driver->controller().m_pHistory->Add(nullptr);
+            record->MD5Code = key;
+            record->State = int(state);
+            record->FileName = f.root.filePath(u"video"_s);
+            record->FileSize = 5;
+        }
+        if (hasFile)
+            TaskFixture::write(f.root.filePath(u"video"_s), "video");
+        QTEST(f.driver->actions(key), "actions");
     }
 
     void wishesAreFittedToTheOffer_data()

@@ -1,4 +1,6 @@
 #include "driver/historykeeper.h"
+#include "driver/journal.h"
+#include "driver/leftovers.h"
 #include "driver/taskstate.h"
 
 #include <QDir>

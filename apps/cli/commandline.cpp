@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr int mostJobs = 100;
-
 QString text(const char *utf8)
 {
     return QString::fromUtf8(utf8);
@@ -143,7 +141,7 @@ private:
     void readTransfer()
     {
         if (m_parser.isSet(m_jobs))
-            take(m_jobs, arguments::count(m_parser.value(m_jobs), mostJobs), m_line.jobs);
+            take(m_jobs, arguments::count(m_parser.value(m_jobs), maxVideoLimit), m_line.jobs);
         const QStringList modes{text("auto"), text("always"), text("never")};
         const auto mode = modes.indexOf(m_parser.value(m_progress));
         if (mode < 0 && m_wrong.isEmpty())

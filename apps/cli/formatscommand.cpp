@@ -1,6 +1,5 @@
 #include "formatscommand.h"
 
-#include "driver/formatchoice.h"
 #include "jsonline.h"
 #include "session.h"
 #include "standardstreams.h"
@@ -12,27 +11,9 @@
 
 namespace {
 
-struct Offer
+ChosenFormat chosenOf(const DownloadResult &result, const CommandLine &line)
 {
-    QString title;
-    int seconds = 0;
-    QList<OfferedFormat> formats;
-    ChosenFormat chosen;
-};
-
-Offer offerOf(DownloadDriver &driver, const QString &key, const CommandLine &line)
-{
-    DownloadRequest request;
-    request.profile = line.profile;
-    request.keepSource = line.keepSource;
-    const ControllerLock lock;
-    const CXMLInfo *record = driver.controller().getXMLInfo(key);
-    if (record == nullptr)
-        return {};
-    const QString &list = record->fmt_list;
-    const QString &streams = record->fmt_stream_map;
-    return {record->Title, record->Duration, formatchoice::offered(list, streams),
-            formatchoice::chosen(formatchoice::settled(request, list, streams), list, streams)};
+    return result.offer.chosen(result.offer.settled(line.profile, line.keepSource));
 }
 
 QJsonObject asJson(const OfferedFormat &format)
@@ -44,19 +25,19 @@ QJsonObject asJson(const OfferedFormat &format)
             {QStringLiteral("hasAddress"), format.hasStream}};
 }
 
-QJsonObject asJson(const DownloadResult &result, const Offer &offer)
+QJsonObject asJson(const DownloadResult &result, const ChosenFormat &chosen)
 {
     QJsonObject object = jsonline::headOf(result);
     if (result.outcome != DownloadOutcome::Finished)
         return object;
     QJsonArray formats;
-    for (const OfferedFormat &format : offer.formats)
+    for (const OfferedFormat &format : result.offer.formats())
         formats.append(asJson(format));
-    object.insert(QStringLiteral("seconds"), offer.seconds);
+    object.insert(QStringLiteral("seconds"), result.seconds);
     object.insert(QStringLiteral("formats"), formats);
     object.insert(QStringLiteral("chosen"),
-                  QJsonObject{{QStringLiteral("number"), offer.chosen.number},
-                              {QStringLiteral("extension"), offer.chosen.extension}});
+                  QJsonObject{{QStringLiteral("number"), chosen.number},
+                              {QStringLiteral("extension"), chosen.extension}});
     return object;
 }
 
@@ -71,13 +52,13 @@ QString row(const OfferedFormat &format, bool isChosen)
         .arg(format.hasStream ? QString() : QStringLiteral("  no address"));
 }
 
-QByteArray asText(const Offer &offer)
+QByteArray asText(const DownloadResult &result, const ChosenFormat &chosen)
 {
     QString text =
         QStringLiteral("%1 (%2)\n")
-            .arg(standardstreams::shown(offer.title), terminaltext::duration(offer.seconds));
-    for (const OfferedFormat &format : offer.formats)
-        text += row(format, format.number == offer.chosen.number);
+            .arg(standardstreams::shown(result.title), terminaltext::duration(result.seconds));
+    for (const OfferedFormat &format : result.offer.formats())
+        text += row(format, format.number == chosen.number);
     return text.toUtf8();
 }
 
@@ -90,11 +71,10 @@ ExitStatus runFormats(const CommandLine &line)
     Session session(quiet, QDir::currentPath());
     QObject::connect(&session.driver(), &DownloadDriver::ended, &session,
                      [&](const DownloadResult &result) {
-                         const Offer offer = offerOf(session.driver(), result.key, line);
                          if (line.json)
-                             session.deliver(jsonline::of(asJson(result, offer)));
+                             session.deliver(jsonline::of(asJson(result, chosenOf(result, line))));
                          else if (result.outcome == DownloadOutcome::Finished)
-                             session.deliver(asText(offer));
+                             session.deliver(asText(result, chosenOf(result, line)));
                      });
     QList<DownloadRequest> requests;
     for (const QString &address : line.arguments) {

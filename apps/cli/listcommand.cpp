@@ -1,6 +1,6 @@
 #include "listcommand.h"
 
-#include "conversions.h"
+#include "driver/conversions.h"
 #include "driver/taskrecord.h"
 #include "jsonline.h"
 #include "standardstreams.h"
@@ -21,13 +21,18 @@ ExitStatus write(const QByteArray &text)
     return {standardstreams::writeOutput(text) == 0 ? ExitDone : ExitFailed, 0};
 }
 
+QString stateOf(const CXMLInfo &record)
+{
+    return stateName(taskrecord::stateOf(record));
+}
+
 QJsonObject summary(const CXMLInfo &record)
 {
     return {{QStringLiteral("schema"), 1},
             {QStringLiteral("key"), record.MD5Code},
             {QStringLiteral("address"), record.OrgWebSite},
             {QStringLiteral("title"), record.Title},
-            {QStringLiteral("state"), stored::stateName(record)},
+            {QStringLiteral("state"), stateOf(record)},
             {QStringLiteral("bytes"), record.FileSize},
             {QStringLiteral("date"), record.DownLoadDate.toString(Qt::ISODate)},
             {QStringLiteral("path"), taskrecord::outputPath(record)}};
@@ -36,11 +41,10 @@ QJsonObject summary(const CXMLInfo &record)
 QByteArray row(const CXMLInfo &record)
 {
     const QString size = record.FileSize > 0 ? terminaltext::size(record.FileSize) : QString();
-    const QString text =
-        QStringLiteral("%1  %2  %3  %4  ")
-            .arg(record.MD5Code.left(shownKey), stored::stateName(record).leftJustified(11),
-                 size.rightJustified(10),
-                 record.DownLoadDate.toString(QStringLiteral("yyyy-MM-dd HH:mm")));
+    const QString text = QStringLiteral("%1  %2  %3  %4  ")
+                             .arg(record.MD5Code.left(shownKey), stateOf(record).leftJustified(11),
+                                  size.rightJustified(10),
+                                  record.DownLoadDate.toString(QStringLiteral("yyyy-MM-dd HH:mm")));
     return standardstreams::shown(text + stored::titleOf(record)).toUtf8() + '\n';
 }
 
@@ -84,7 +88,7 @@ QByteArray asJson(const CXMLInfo &record, const QDomElement &task, const QJsonOb
 
 QByteArray asText(const CXMLInfo &record, const QDomElement &task, const QJsonObject &conversion)
 {
-    QString text = QStringLiteral("state: %1\n").arg(stored::stateName(record));
+    QString text = QStringLiteral("state: %1\n").arg(stateOf(record));
     text += asText(task, {}) + QStringLiteral("Profile:\n");
     text += asText(task.firstChildElement(QStringLiteral("Profile")), QStringLiteral("  "));
     text += QStringLiteral("conversion:\n");

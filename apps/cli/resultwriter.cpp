@@ -1,6 +1,6 @@
 #include "resultwriter.h"
 
-#include "conversions.h"
+#include "driver/conversions.h"
 #include "jsonline.h"
 #include "standardstreams.h"
 

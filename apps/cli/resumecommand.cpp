@@ -1,43 +1,24 @@
 #include "resumecommand.h"
 
-#include "driver/taskrecord.h"
+#include "driver/taskrequests.h"
 #include "resultwriter.h"
 #include "session.h"
 #include "stored.h"
 
 #include <QDir>
 
-#include <functional>
-
 namespace {
-
-QList<DownloadRequest> requestsFor(CDown &controller,
-                                   const std::function<bool(const CXMLInfo &)> &wanted)
-{
-    const ControllerLock lock;
-    QList<DownloadRequest> requests;
-    for (const CXMLInfo *record : std::as_const(controller.m_pHistory->m_InfoList)) {
-        if (wanted(*record))
-            requests << taskrecord::requestFor(*record);
-    }
-    return requests;
-}
 
 // Nothing when a named task does not fit; that is told.
 std::optional<QList<DownloadRequest>> requestsToRetry(Session &session, const CommandLine &line)
 {
     CDown &controller = session.driver().controller();
     if (line.arguments.isEmpty())
-        return requestsFor(controller, [](const CXMLInfo &record) {
-            const TaskState state = taskrecord::stateOf(record);
-            return state == TaskState::Failed || state == TaskState::Stopped;
-        });
+        return taskrequests::toRetry(controller);
     const auto keys = stored::keysOf(controller, line.arguments);
     if (!keys)
         return std::nullopt;
-    auto requests = requestsFor(controller, [&keys](const CXMLInfo &record) {
-        return keys->contains(record.MD5Code) && taskrecord::stateOf(record) != TaskState::Finished;
-    });
+    auto requests = taskrequests::toRetry(controller, *keys);
     if (requests.size() == keys->size())
         return requests;
     session.view().say(QStringLiteral(
@@ -63,11 +44,7 @@ ExitStatus runResume(const CommandLine &line)
         return {ExitUsage, 0};
     if (!session.openHistory())
         return {ExitHistory, 0};
-    return carryOut(session, line,
-                    requestsFor(session.driver().controller(), [](const CXMLInfo &record) {
-                        return taskrecord::isInterrupted(record) ||
-                               taskrecord::stateOf(record) == TaskState::Stopped;
-                    }));
+    return carryOut(session, line, taskrequests::toResume(session.driver().controller()));
 }
 
 ExitStatus runRetry(const CommandLine &line)
@@ -90,16 +67,9 @@ ExitStatus runUpgrade(const CommandLine &line)
     const QString key = stored::keyOf(controller, line);
     if (key.isEmpty())
         return {ExitFailed, 0};
-    auto requests = requestsFor(controller, [&key](const CXMLInfo &record) {
-        return record.MD5Code == key && taskrecord::stateOf(record) == TaskState::Finished &&
-               taskrecord::isDownloaded(record);
-    });
-    if (requests.isEmpty()) {
-        session.view().say(QStringLiteral("videodown: only a finished task can be upgraded whose "
-                                          "video is there as it was downloaded"));
-        return {ExitFailed, 0};
-    }
-    requests.first().profile = line.profile;
-    requests.first().upgrade = true;
-    return carryOut(session, line, requests);
+    if (const auto request = taskrequests::toUpgrade(controller, key, line.profile))
+        return carryOut(session, line, {*request});
+    session.view().say(QStringLiteral("videodown: only a finished task can be upgraded whose "
+                                      "video is there as it was downloaded"));
+    return {ExitFailed, 0};
 }

@@ -1,6 +1,7 @@
 #include "session.h"
 
-#include "conversions.h"
+#include "driver/conversions.h"
+#include "driver/resulttext.h"
 #include "standardstreams.h"
 #include "stored.h"
 #include "taskengine/options.h"
@@ -13,8 +14,6 @@
 #include <utility>
 
 namespace {
-
-constexpr qsizetype longestName = 200;
 
 void configureEngine(const CommandLine &line)
 {
@@ -162,53 +161,12 @@ ExitStatus Session::run(const QList<DownloadRequest> &requests)
 void Session::count(const DownloadResult &result)
 {
     m_view->ended(result.key);
-    switch (result.outcome) {
-    case DownloadOutcome::Finished:
-        ++m_finished;
-        if (!m_line.quiet)
-            tellFinding(result);
-        break;
-    case DownloadOutcome::Failed:
-        ++m_failed;
-        tellFailure(result);
-        break;
-    case DownloadOutcome::Stopped:
-        ++m_stopped;
-        if (!m_line.quiet)
-            m_view->say(QStringLiteral("stopped: %1").arg(nameOf(result)));
-    }
-}
-
-void Session::tellFailure(const DownloadResult &result)
-{
-    QString line = QStringLiteral("failed: %1: %2").arg(nameOf(result), result.failure.cause);
-    if (!result.failure.advice.isEmpty())
-        line += QLatin1String(line.endsWith(u'.') ? " " : ". ") + result.failure.advice;
-    m_view->say(line);
-}
-
-void Session::tellFinding(const DownloadResult &result)
-{
-    const auto text = [](const PictureSize &picture) {
-        return QStringLiteral("%1x%2").arg(picture.width).arg(picture.height);
-    };
-    const QString name = nameOf(result);
-    const QString former = text(result.former);
-    switch (result.finding) {
-    case Finding::AlreadyThere:
-        m_view->say(QStringLiteral("already there: ") + name);
-        break;
-    case Finding::AlreadyAsLarge:
-        m_view->say(QStringLiteral("already as large: %1, %2").arg(name, former));
-        break;
-    case Finding::NoneLarger:
-        m_view->say(QStringLiteral("the site has no larger one: %1, %2").arg(name, former));
-        break;
-    case Finding::Downloaded:
-        if (result.former.width > 0)
-            m_view->say(QStringLiteral("downloaded: %1, from %2 to %3")
-                            .arg(name, former, text(result.picture)));
-    }
+    m_finished += int(result.outcome == DownloadOutcome::Finished);
+    m_failed += int(result.outcome == DownloadOutcome::Failed);
+    m_stopped += int(result.outcome == DownloadOutcome::Stopped);
+    const QString summary = resulttext::summaryOf(result);
+    if (!summary.isEmpty() && (!m_line.quiet || result.outcome == DownloadOutcome::Failed))
+        m_view->say(summary);
 }
 
 void Session::tellSummary()
@@ -217,14 +175,6 @@ void Session::tellSummary()
     if (m_stopped > 0)
         summary += QStringLiteral(", %1 stopped").arg(m_stopped);
     m_view->say(summary);
-}
-
-QString Session::nameOf(const DownloadResult &result)
-{
-    QString address = result.address;
-    if (address.size() > longestName)
-        address = address.left(longestName) + QChar(0x2026);
-    return result.title.isEmpty() ? address : QStringLiteral("%1 (%2)").arg(result.title, address);
 }
 
 void Session::deliver(const QByteArray &result)

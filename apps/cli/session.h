@@ -40,9 +40,6 @@ public:
     /** Whether ffmpeg is there, if the command needs it; told if not. */
     bool canConvert();
 
-    /** Names a task to the user. */
-    static QString nameOf(const DownloadResult &result);
-
 signals:
     /** A task has ended, and so has the conversion of its video. */
     void settled(const DownloadResult &result);
@@ -52,8 +49,6 @@ private:
     void followConversions();
     void settle(DownloadResult result);
     void count(const DownloadResult &result);
-    void tellFailure(const DownloadResult &result);
-    void tellFinding(const DownloadResult &result);
     void tellSummary();
     void interrupt(int number);
 

@@ -1,6 +1,5 @@
 #include "stored.h"
 
-#include "driver/taskrecord.h"
 #include "standardstreams.h"
 #include "taskengine/unfinishedfiles.h"
 
@@ -97,24 +96,6 @@ std::optional<QStringList> keysOf(CDown &controller, const QStringList &names)
 QString keyOf(CDown &controller, const CommandLine &line)
 {
     return keyNamed(controller, line.arguments.value(0));
-}
-
-QString stateName(const CXMLInfo &record)
-{
-    switch (taskrecord::stateOf(record)) {
-    case TaskState::Waiting:
-    case TaskState::Running:
-        return QStringLiteral("interrupted");
-    case TaskState::Finished:
-        return QStringLiteral("finished");
-    case TaskState::Failed:
-        return QStringLiteral("failed");
-    case TaskState::Stopped:
-        return QStringLiteral("stopped");
-    case TaskState::None:
-        break;
-    }
-    return QStringLiteral("unknown");
 }
 
 QString titleOf(const CXMLInfo &record)

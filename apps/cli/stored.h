@@ -30,12 +30,6 @@ std::optional<QStringList> keysOf(CDown &controller, const QStringList &names);
 /** The one task that the command names; empty when there is none. */
 QString keyOf(CDown &controller, const CommandLine &line);
 
-/**
- * "interrupted", "finished", "failed", "stopped" or "unknown", for a task that is not at
- * work. The caller holds the controller lock.
- */
-QString stateName(const CXMLInfo &record);
-
 /** How to name a task to the user: its title, else its address. The caller holds the lock. */
 QString titleOf(const CXMLInfo &record);
 

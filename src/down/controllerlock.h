@@ -2,14 +2,10 @@
 #ifndef VIDEODOWN_DOWN_CONTROLLERLOCK_H
 #define VIDEODOWN_DOWN_CONTROLLERLOCK_H
 
-// Clang checks these at compile time (-Wthread-safety); other compilers skip them.
-#if defined(__clang__)
-#define VIDEODOWN_THREAD_ANNOTATION(x) __attribute__((x))
-#else
-#define VIDEODOWN_THREAD_ANNOTATION(x)
-#endif
-#define VIDEODOWN_GUARDED VIDEODOWN_THREAD_ANNOTATION(guarded_by(controllerMutex))
-#define VIDEODOWN_NEEDS_LOCK VIDEODOWN_THREAD_ANNOTATION(requires_capability(controllerMutex))
+#include "engine/annotatedmutex.h"
+
+#define VIDEODOWN_GUARDED VIDEODOWN_GUARDED_BY(controllerMutex)
+#define VIDEODOWN_NEEDS_LOCK VIDEODOWN_REQUIRES(controllerMutex)
 
 /** Names the lock. The lock itself is made on first use and never destroyed. */
 class VIDEODOWN_THREAD_ANNOTATION(capability("mutex")) ControllerMutex

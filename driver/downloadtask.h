@@ -2,17 +2,21 @@
 #ifndef VIDEODOWN_DRIVER_DOWNLOADTASK_H
 #define VIDEODOWN_DRIVER_DOWNLOADTASK_H
 
+#include "driver/videooffer.h"
 #include "history/cxmlprofile.h"
 
 #include <QString>
+
+/** More videos than this are never downloaded at once. */
+constexpr int maxVideoLimit = 100;
 
 /** One video to fetch. */
 struct DownloadRequest
 {
     QString address;      ///< of the video page; http or https, at most 1023 bytes
     QString outputFolder; ///< absolute; made when it is missing; empty: the downloads folder
-    QString
-        downloadFolder; ///< absolute; exists; where the engine writes; empty: as in the settings
+    /** Where the engine writes: absolute; exists. Empty: as in the settings. */
+    QString downloadFolder;
     /**
      * The file that is finally wanted. An empty extension or a size of 0 leaves that to what the
      * site offers; the task's own profile then says what was chosen.
@@ -67,6 +71,8 @@ struct DownloadResult
     Finding finding = Finding::Downloaded; ///< of a finished task
     PictureSize former;                    ///< of an upgrade: the picture before it
     PictureSize picture;                   ///< of an upgrade: the picture now
+    VideoOffer offer;                      ///< of a finished inspection
+    int seconds = 0;                       ///< of a finished inspection: the video's length
 };
 
 /** How far a running video is. */
@@ -77,6 +83,19 @@ struct DownloadProgress
     qint64 received = 0;       ///< bytes so far
     qint64 total = 0;          ///< bytes in all; 0 while that is not known
     qint64 bytesPerSecond = 0; ///< 0 while that is not known
+    bool paused = false;       ///< until it is continued, no byte comes
+};
+
+/** What all tasks of a driver come to at a moment. */
+struct DownloadTotals
+{
+    int waiting = 0;           ///< tasks that are not at the engine
+    int parsing = 0;           ///< tasks whose site is being asked
+    int downloading = 0;       ///< tasks whose video is on its way, the paused ones too
+    int paused = 0;            ///< those of them that are paused
+    qint64 received = 0;       ///< bytes of the videos that are on their way
+    qint64 total = 0;          ///< their bytes in all, as far as that is known
+    qint64 bytesPerSecond = 0; ///< of all of them together
 };
 
 #endif

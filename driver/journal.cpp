@@ -98,7 +98,7 @@ Journal::Found Journal::open(const QByteArray &digest, QList<QJsonObject> &entri
     }
     if (!isOurs)
         return Found::Foreign;
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const MutexLock lock(m_mutex);
     m_size = lines.size;
     m_number = lines.entries.last().value(numberName).toInteger() + 1;
     return Found::Entries;
@@ -106,19 +106,19 @@ Journal::Found Journal::open(const QByteArray &digest, QList<QJsonObject> &entri
 
 bool Journal::exists() const
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const MutexLock lock(m_mutex);
     return m_size > 0;
 }
 
 qint64 Journal::size() const
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const MutexLock lock(m_mutex);
     return m_size;
 }
 
 bool Journal::append(const QList<QJsonObject> &entries, const QByteArray &digest)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const MutexLock lock(m_mutex);
     if (!openFile())
         return false;
     const qint64 number = m_number;
@@ -135,14 +135,14 @@ bool Journal::append(const QList<QJsonObject> &entries, const QByteArray &digest
 
 bool Journal::sync()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const MutexLock lock(m_mutex);
     return m_file < 0 || ::fdatasync(m_file) == 0;
 }
 
 bool Journal::announce(const QByteArray &digest)
 {
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const MutexLock lock(m_mutex);
         if (m_size == 0)
             return true;
         if (!openFile() || !write(lineOf({{successorName, QString::fromLatin1(digest)}})))
@@ -153,7 +153,7 @@ bool Journal::announce(const QByteArray &digest)
 
 void Journal::remove()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const MutexLock lock(m_mutex);
     if (m_file >= 0)
         ::close(std::exchange(m_file, -1));
     QFile::remove(m_path);

@@ -1,13 +1,11 @@
-#include "driver/formatchoice.h"
+#include "driver/videooffer.h"
 
+#include "down/cdown.h"
 #include "video/formatentry.h"
-#include "video/formatselection.h"
 
 #include <algorithm>
 #include <functional>
 #include <iterator>
-
-namespace formatchoice {
 
 namespace {
 
@@ -60,45 +58,40 @@ bool isOpen(const Profile_Desc &profile)
     return profile.fileTypeExt.isEmpty() && profile.vSize_Width == 0 && profile.vSize_Height == 0;
 }
 
-bool sourceRuleFinds(const QString &fmtList, const QString &fmtStreamMap)
-{
-    tagVideoInfo found{};
-    formatselection::bestSource(fmtStreamMap, fmtList, found);
-    return !formatentry::streamAddress(fmtStreamMap.split(u','), found.nFmt).isEmpty() &&
-           found.nFmt != 0;
-}
-
 } // namespace
 
-QList<OfferedFormat> offered(const QString &fmtList, const QString &fmtStreamMap)
+VideoOffer::VideoOffer(const QString &fmtList, const QString &fmtStreamMap)
+    : m_fmtList(fmtList), m_fmtStreamMap(fmtStreamMap)
 {
     const QStringList streams = fmtStreamMap.split(u',');
-    QList<OfferedFormat> formats;
     for (const QString &entry : fmtList.split(u',')) {
         if (const auto format = formatentry::readFormat(entry))
-            formats.append({format->nFmt, format->strExt, format->nWidth, format->nHeight,
-                            !formatentry::streamAddress(streams, format->nFmt).isEmpty()});
+            m_formats.append({format->nFmt, format->strExt, format->nWidth, format->nHeight,
+                              !formatentry::streamAddress(streams, format->nFmt).isEmpty()});
     }
-    return formats;
 }
 
-FormatWish settled(const DownloadRequest &request, const QString &fmtList,
-                   const QString &fmtStreamMap)
+bool VideoOffer::sourceRuleFinds() const
 {
-    const bool bySource =
-        request.keepSource && isOpen(request.profile) && sourceRuleFinds(fmtList, fmtStreamMap);
-    return {filledIn(request.profile, offered(fmtList, fmtStreamMap)), !bySource};
+    tagVideoInfo found{};
+    CDown::getBestVideoSrcFmt(m_fmtStreamMap, m_fmtList, nullptr, &found);
+    return found.nFmt != 0 &&
+           !formatentry::streamAddress(m_fmtStreamMap.split(u','), found.nFmt).isEmpty();
 }
 
-ChosenFormat chosen(const FormatWish &wish, const QString &fmtList, const QString &fmtStreamMap)
+FormatWish VideoOffer::settled(const Profile_Desc &wish, bool keepSource) const
+{
+    const bool bySource = keepSource && isOpen(wish) && sourceRuleFinds();
+    return {filledIn(wish, m_formats), !bySource};
+}
+
+ChosenFormat VideoOffer::chosen(const FormatWish &wish) const
 {
     tagVideoInfo want = formatentry::wantedFormat(wish.profile);
     tagVideoInfo found{};
     if (wish.byProfile)
-        formatselection::bestByProfile(fmtList, want, found);
+        CDown::getBestVideoFmt(m_fmtList, &want, &found);
     else
-        formatselection::bestSource(fmtStreamMap, fmtList, found);
+        CDown::getBestVideoSrcFmt(m_fmtStreamMap, m_fmtList, nullptr, &found);
     return {found.nFmt, found.strExt, found.nWidth, found.nHeight};
 }
-
-} // namespace formatchoice

@@ -24,13 +24,13 @@ int EngineMailbox::onVideoInfo(void *user, const char *key, tagDownloadStateCode
 
 void EngineMailbox::setSizeListener(SizeListener listener)
 {
-    const std::lock_guard<std::mutex> lock(m_listenerMutex);
+    const MutexLock lock(m_listenerMutex);
     m_sizeListener = std::move(listener);
 }
 
 void EngineMailbox::tellSize(const char *key, double value)
 {
-    const std::lock_guard<std::mutex> lock(m_listenerMutex);
+    const MutexLock lock(m_listenerMutex);
     if (m_sizeListener && value > 0 && value < 9e18)
         m_sizeListener(QString::fromLocal8Bit(key), qint64(value));
 }
@@ -38,7 +38,7 @@ void EngineMailbox::tellSize(const char *key, double value)
 void EngineMailbox::post(const char *key, tagDownloadStateCode code, double value)
 {
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const MutexLock lock(m_mutex);
         m_events.push_back({QString::fromLocal8Bit(key), code, value});
     }
     m_wake();
@@ -46,13 +46,13 @@ void EngineMailbox::post(const char *key, tagDownloadStateCode code, double valu
 
 std::vector<EngineEvent> EngineMailbox::take()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const MutexLock lock(m_mutex);
     return std::exchange(m_events, {});
 }
 
 bool EngineMailbox::holdsEndOf(const QString &key) const
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const MutexLock lock(m_mutex);
     return std::any_of(m_events.cbegin(), m_events.cend(), [&key](const EngineEvent &event) {
         return event.key == key && isTerminal(event.code);
     });

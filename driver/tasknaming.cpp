@@ -1,58 +1,55 @@
 // How a video is named, so that the library's choice stands in nobody's way.
-#include "driver/downloaddriver.h"
+#include "driver/dispatcher.h"
 
-#include "driver/formatchoice.h"
 #include "driver/taskrecord.h"
 
 #include <algorithm>
 #include <utility>
 
 // False when the task has ended here. The name is not taken yet.
-bool DownloadDriver::nameVideo(const QString &key)
+bool Dispatcher::nameVideo(Task &task)
 {
-    PictureSize offer;
-    auto place = placeFor(key, offer);
+    PictureSize offered;
+    auto place = placeFor(task, offered);
     if (!place) {
-        endFailed(key, refusal(key));
+        endFailed(task, refusal(task.key));
         return false;
     }
-    if (!confirmUpgrade(key, offer))
+    if (!confirmUpgrade(task, offered))
         return false;
-    for (const QString &other : std::as_const(m_named))
-        place->claimed.insert(m_tasks[other].name->video);
+    for (const Task *other : m_tasks.in(Stage::Named))
+        place->claimed.insert(other->name->video);
     const auto name = chooseOutputName(*place);
     if (const auto *reason = std::get_if<FailureReason>(&name)) {
-        endFailed(key, *reason);
+        endFailed(task, *reason);
         return false;
     }
-    recordName(key, std::get<OutputName>(name));
+    recordName(task, std::get<OutputName>(name));
     return true;
 }
 
 // Settles the format too: the name depends on it.
-std::optional<OutputPlace> DownloadDriver::placeFor(const QString &key, PictureSize &offer)
+std::optional<OutputPlace> Dispatcher::placeFor(Task &task, PictureSize &offered)
 {
-    Task &task = m_tasks[key];
     const DownloadRequest &request = task.request;
+    FormatWish wish = task.offer.settled(request.profile, request.keepSource);
+    const ChosenFormat chosen = task.offer.chosen(wish);
+    offered = {chosen.width, chosen.height};
+    task.byProfile = wish.byProfile;
     OutputPlace place;
     place.title = task.progress.title;
-    place.key = key;
+    place.key = task.key;
+    place.extension = chosen.extension;
     place.downloadFolder = request.downloadFolder;
     place.copyFolder = request.outputFolder;
     place.copies = request.keepSource;
     place.unfinished = m_settings.unfinishedFiles;
     const ControllerLock lock;
-    CXMLInfo *record = m_controller->getXMLInfo(key);
+    CXMLInfo *record = controller().getXMLInfo(task.key);
     if (record == nullptr)
         return std::nullopt;
-    FormatWish wish = formatchoice::settled(request, record->fmt_list, record->fmt_stream_map);
-    const ChosenFormat chosen =
-        formatchoice::chosen(wish, record->fmt_list, record->fmt_stream_map);
-    offer = {chosen.width, chosen.height};
-    place.extension = chosen.extension;
     if (wish.byProfile) // else the wish stays open, for when the task is resumed
-        m_controller->SaveProfile(key, &wish.profile);
-    task.byProfile = wish.byProfile;
+        controller().SaveProfile(task.key, &wish.profile);
     if (!nameIsClaimed(*record)) {
         place.ownVideo = record->FileName;
         place.ownCopy = record->SaveAsFileName;
@@ -62,12 +59,12 @@ std::optional<OutputPlace> DownloadDriver::placeFor(const QString &key, PictureS
 }
 
 // As the library will write it when it sends the request; but on disk, before the name is taken.
-void DownloadDriver::recordName(const QString &key, const OutputName &name)
+void Dispatcher::recordName(Task &task, const OutputName &name)
 {
-    m_tasks[key].name = name;
+    task.name = name;
     {
         const ControllerLock lock;
-        CXMLInfo *record = m_controller->getXMLInfo(key);
+        CXMLInfo *record = controller().getXMLInfo(task.key);
         if (record == nullptr)
             return;
         record->Title = name.title;
@@ -79,16 +76,16 @@ void DownloadDriver::recordName(const QString &key, const OutputName &name)
                                 : name.copy;
         record->ConvertionDesc = QStringLiteral(""); // the new video is not converted yet
     }
-    m_changed.insert(key);
-    noteUpgradeNames(key, m_tasks[key]);
+    m_changed.insert(task.key);
+    noteUpgradeNames(task);
 }
 
 // Two unfinished tasks can remember one name: it was free again when the
 // first had failed. The one that comes first now leaves it to the other.
-bool DownloadDriver::nameIsClaimed(const CXMLInfo &record)
+bool Dispatcher::nameIsClaimed(const CXMLInfo &record)
 {
     const ControllerLock lock;
-    const auto &all = m_controller->m_pHistory->m_InfoList;
+    const auto &all = controller().m_pHistory->m_InfoList;
     return std::any_of(all.cbegin(), all.cend(), [&record](const CXMLInfo *other) {
         return other != &record && other->FileName == record.FileName &&
                (taskrecord::isInterrupted(*other) ||
@@ -96,7 +93,7 @@ bool DownloadDriver::nameIsClaimed(const CXMLInfo &record)
     });
 }
 
-void DownloadDriver::releaseName(Task &task)
+void Dispatcher::releaseName(Task &task)
 {
     if (const auto name = std::exchange(task.name, std::nullopt))
         release(*name);

@@ -2,12 +2,12 @@
 #ifndef VIDEODOWN_DRIVER_ENGINEMAILBOX_H
 #define VIDEODOWN_DRIVER_ENGINEMAILBOX_H
 
+#include "engine/annotatedmutex.h"
 #include "engine/taskengine.h"
 
 #include <QString>
 
 #include <functional>
-#include <mutex>
 #include <vector>
 
 /** One event of the controller's application callbacks. */
@@ -54,10 +54,10 @@ private:
     void post(const char *key, tagDownloadStateCode code, double value);
 
     const std::function<void()> m_wake;
-    std::mutex m_listenerMutex; // protects m_sizeListener, also while it is called
-    SizeListener m_sizeListener;
-    mutable std::mutex m_mutex;        // protects m_events
-    std::vector<EngineEvent> m_events; // oldest first
+    AnnotatedMutex m_listenerMutex; // held also while the listener is called
+    SizeListener m_sizeListener VIDEODOWN_GUARDED_BY(m_listenerMutex);
+    mutable AnnotatedMutex m_mutex;
+    std::vector<EngineEvent> m_events VIDEODOWN_GUARDED_BY(m_mutex); // oldest first
 };
 
 #endif

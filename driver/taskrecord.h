@@ -3,6 +3,7 @@
 #define VIDEODOWN_DRIVER_TASKRECORD_H
 
 #include "driver/downloadtask.h"
+#include "driver/taskaction.h"
 #include "driver/taskstate.h"
 #include "history/cxmlinfo.h"
 
@@ -10,6 +11,7 @@
 #include <QStringList>
 
 #include <functional>
+#include <optional>
 
 /**
  * Tells which files an unfinished download to `path` may have left beside it: the engine's matter,
@@ -23,6 +25,15 @@ TaskState stateOf(const CXMLInfo &record);
 
 /** Whether the task waited or ran when its program ended; of a task that no driver has. */
 bool isInterrupted(const CXMLInfo &record);
+
+/** Whether the task ended without a file, by a failure or by the user. */
+bool hasFailedOrStopped(const CXMLInfo &record);
+
+/**
+ * Why something cannot be done with a task that no driver has, in English; nothing when it can.
+ * What needs a driver's task (stop, pause, continue, move) never can.
+ */
+std::optional<QString> obstacle(const CXMLInfo &record, TaskAction action);
 
 /** The folder that the engine writes the task's files into. */
 QString downloadFolder(const CXMLInfo &record);
@@ -56,7 +67,7 @@ bool mayReplace(const QString &path, qint64 size);
 
 /**
  * The files of the task that exist: the video, its copy or conversion, the thumbnail, and what a
- * broken-off download left. A file of another size than the task's has been put there by somebody
+ * interrupted download left. A file of another size than the task's has been put there by somebody
  * else, and is none of them.
  */
 QStringList filesOf(const CXMLInfo &record, const UnfinishedFiles &unfinished);

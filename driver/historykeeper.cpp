@@ -1,8 +1,11 @@
 #include "driver/historykeeper.h"
 
 #include "driver/disk.h"
+#include "driver/historycheck.h"
+#include "driver/historylock.h"
+#include "driver/journal.h"
+#include "driver/leftovers.h"
 #include "driver/recordtext.h"
-#include "driver/soundness.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -84,14 +87,14 @@ HistoryKeeper::HistoryKeeper(CDown &controller, const QString &path, UnfinishedF
       m_controller(controller),
       m_path(realPath(path)),
       m_unfinished(std::move(unfinished)),
-      m_lock(m_path),
-      m_journal(m_path + QLatin1String(".journal"))
+      m_lock(std::make_unique<HistoryLock>(m_path)),
+      m_journal(std::make_unique<Journal>(m_path + QLatin1String(".journal")))
 {
 }
 
 HistoryKeeper::~HistoryKeeper()
 {
-    if (m_open && m_journal.exists())
+    if (m_open && m_journal->exists())
         save();
 }
 
@@ -99,7 +102,7 @@ QString HistoryKeeper::open()
 {
     if (!QDir().mkpath(QFileInfo(m_path).absolutePath()))
         return tr("the folder of %1 cannot be made").arg(m_path);
-    QString problem = m_lock.take();
+    QString problem = m_lock->take();
     if (problem.isEmpty())
         problem = load();
     m_open = problem.isEmpty();
@@ -117,7 +120,7 @@ QString HistoryKeeper::load()
     QList<QJsonObject> entries;
     const bool hasJournal = QFileInfo::exists(m_path + QLatin1String(".journal"));
     const auto found =
-        hasJournal ? m_journal.open(Journal::digestOf(m_path), entries) : Journal::Found::Nothing;
+        hasJournal ? m_journal->open(Journal::digestOf(m_path), entries) : Journal::Found::Nothing;
     if (found == Journal::Found::Foreign && sound)
         return setAsideForeignJournal();
     replay(entries); // of a damaged history it is the journal, whatever its digest
@@ -211,7 +214,7 @@ QJsonObject HistoryKeeper::changeOf(const QString &key)
 
 bool HistoryKeeper::isUpgrading(const QString &key)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const MutexLock lock(m_mutex);
     return m_upgrades.contains(key);
 }
 
@@ -245,14 +248,14 @@ bool HistoryKeeper::append(const QList<QJsonObject> &entries)
         return tell(tr("the history is not open"));
     QByteArray digest;
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const MutexLock lock(m_mutex);
         if (!m_digest)
             m_digest = Journal::digestOf(m_path);
         digest = *m_digest;
     }
-    if (!m_journal.append(entries, digest) || !m_journal.sync())
+    if (!m_journal->append(entries, digest) || !m_journal->sync())
         return tell(tr("%1.journal cannot be written; the disk may be full").arg(m_path));
-    if (m_journal.size() > shortJournal + QFileInfo(m_path).size())
+    if (m_journal->size() > shortJournal + QFileInfo(m_path).size())
         return tell(save());
     return tell({});
 }
@@ -267,7 +270,7 @@ bool HistoryKeeper::tell(const QString &problem)
 
 void HistoryKeeper::noteSize(const QString &key, qint64 bytes)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const MutexLock lock(m_mutex);
     QJsonObject entry{{taskName, key}};
     const auto upgrade = m_upgrades.find(key);
     if (upgrade == m_upgrades.end()) {
@@ -279,14 +282,14 @@ void HistoryKeeper::noteSize(const QString &key, qint64 bytes)
     if (m_saving)
         m_late.append(entry);
     if (m_digest) // else no task of this program is in the journal
-        m_journal.append({entry}, *m_digest);
+        m_journal->append({entry}, *m_digest);
 }
 
 bool HistoryKeeper::beginUpgrade(const QString &key, const UpgradeFiles &files)
 {
     const QJsonObject upgrade = asJson(files);
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const MutexLock lock(m_mutex);
         m_upgrades.insert(key, upgrade);
     }
     m_atWork.insert(key);
@@ -297,7 +300,7 @@ bool HistoryKeeper::beginUpgrade(const QString &key, const UpgradeFiles &files)
 void HistoryKeeper::endUpgrade(const QString &key)
 {
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const MutexLock lock(m_mutex);
         if (m_upgrades.remove(key) == 0)
             return;
     }
@@ -314,11 +317,11 @@ QString HistoryKeeper::save()
     if (!m_open)
         return tr("the history is not open");
     {
-        const std::lock_guard<std::mutex> lock(m_mutex);
+        const MutexLock lock(m_mutex);
         m_saving = true;
     }
     QString problem = writeAnew();
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const MutexLock lock(m_mutex);
     m_saving = false;
     const QList<QJsonObject> late = std::exchange(m_late, {});
     if (problem.isEmpty())
@@ -331,7 +334,7 @@ QString HistoryKeeper::writeAnew()
     const QString fresh = m_path + QLatin1String(".new");
     QString problem = writeNew(fresh);
     const QByteArray digest = problem.isEmpty() ? Journal::digestOf(fresh) : QByteArray();
-    if (problem.isEmpty() && !m_journal.announce(digest))
+    if (problem.isEmpty() && !m_journal->announce(digest))
         problem = tr("%1.journal cannot be written; the disk may be full").arg(m_path);
     if (problem.isEmpty() && !replaceBy(fresh))
         problem = tr("%1 cannot be replaced").arg(m_path);
@@ -339,17 +342,17 @@ QString HistoryKeeper::writeAnew()
         QFile::remove(fresh);
         return problem;
     }
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const MutexLock lock(m_mutex);
     m_digest = digest;
     m_unstored.clear();
     return {};
 }
 
-// With the mutex locked. The next opening has to look after what is at work, though the history has
+// The next opening has to look after what is at work, though the history has
 // all of its records.
 void HistoryKeeper::beginJournalAnew(const QList<QJsonObject> &late)
 {
-    m_journal.remove();
+    m_journal->remove();
     QList<QJsonObject> entries;
     for (const QString &key : std::as_const(m_atWork))
         entries.append({{taskName, key}});
@@ -357,7 +360,7 @@ void HistoryKeeper::beginJournalAnew(const QList<QJsonObject> &late)
         entries.append({{taskName, upgrade.key()}, {upgradeName, *upgrade}});
     entries += late;
     if (!entries.isEmpty())
-        m_journal.append(entries, *m_digest);
+        m_journal->append(entries, *m_digest);
 }
 
 // The library reports no failure of a save, so what it wrote is read back.

@@ -3,9 +3,8 @@
 #define VIDEODOWN_DRIVER_HISTORYKEEPER_H
 
 #include "down/cdown.h"
-#include "driver/historylock.h"
-#include "driver/journal.h"
-#include "driver/leftovers.h"
+#include "driver/taskrecord.h"
+#include "engine/annotatedmutex.h"
 
 #include <QHash>
 #include <QJsonObject>
@@ -13,11 +12,16 @@
 #include <QSet>
 #include <QString>
 
-#include <mutex>
+#include <memory>
 #include <optional>
 
+class HistoryLock;
+class Journal;
+struct UpgradeFiles;
+
 /**
- * One keeper writes one history at a time, in this or any other program; see HistoryLock.
+ * One keeper writes one history at a time, in this or any other program: a lock file,
+ * NAME.lock, sees to it, which counts for as long as its program lives.
  *
  * Changes go to a journal beside the history, NAME.journal, before what they tell of happens. The
  * history itself is rewritten when the journal has grown long, and by `save`: to NAME.new, which is
@@ -100,7 +104,7 @@ private:
     bool isUpgrading(const QString &key);
     QJsonObject changeOf(const QString &key);
     bool append(const QList<QJsonObject> &entries);
-    void beginJournalAnew(const QList<QJsonObject> &late);
+    void beginJournalAnew(const QList<QJsonObject> &late) VIDEODOWN_REQUIRES(m_mutex);
     QString writeAnew();
     QString writeNew(const QString &path);
     bool replaceBy(const QString &path);
@@ -109,8 +113,8 @@ private:
     CDown &m_controller;
     const QString m_path;
     const UnfinishedFiles m_unfinished;
-    HistoryLock m_lock;
-    Journal m_journal;
+    const std::unique_ptr<HistoryLock> m_lock;
+    const std::unique_ptr<Journal> m_journal;
     QString m_setAside;
     QString m_setAsideJournal;
     QHash<QString, QJsonObject> m_stored; // records as they are on disk, of tasks at work
@@ -119,11 +123,14 @@ private:
     bool m_open = false;
     bool m_failing = false;
 
-    std::mutex m_mutex;                     // protects what follows
-    std::optional<QByteArray> m_digest;     // of the history on disk; made when it is needed
-    QHash<QString, QJsonObject> m_upgrades; // entries of the upgrades that have not ended
-    QList<QJsonObject> m_late;              // sizes noted while the history is being saved
-    bool m_saving = false;
+    AnnotatedMutex m_mutex;
+    // Of the history on disk; made when it is needed.
+    std::optional<QByteArray> m_digest VIDEODOWN_GUARDED_BY(m_mutex);
+    // Entries of the upgrades that have not ended.
+    QHash<QString, QJsonObject> m_upgrades VIDEODOWN_GUARDED_BY(m_mutex);
+    // Sizes noted while the history is being saved.
+    QList<QJsonObject> m_late VIDEODOWN_GUARDED_BY(m_mutex);
+    bool m_saving VIDEODOWN_GUARDED_BY(m_mutex) = false;
 };
 
 #endif

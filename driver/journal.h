@@ -2,12 +2,12 @@
 #ifndef VIDEODOWN_DRIVER_JOURNAL_H
 #define VIDEODOWN_DRIVER_JOURNAL_H
 
+#include "engine/annotatedmutex.h"
+
 #include <QByteArray>
 #include <QJsonObject>
 #include <QList>
 #include <QString>
-
-#include <mutex>
 
 /**
  * A file of lines, each a checksum, a blank and a JSON object, that only ever grows at its end:
@@ -61,15 +61,15 @@ public:
     void remove();
 
 private:
-    bool openFile();
-    bool write(const QByteArray &lines);
-    QByteArray lineOf(QJsonObject entry);
+    bool openFile() VIDEODOWN_REQUIRES(m_mutex);
+    bool write(const QByteArray &lines) VIDEODOWN_REQUIRES(m_mutex);
+    QByteArray lineOf(QJsonObject entry) VIDEODOWN_REQUIRES(m_mutex);
 
     const QString m_path;
-    mutable std::mutex m_mutex; // protects what follows
-    int m_file = -1;
-    qint64 m_size = 0;   // bytes of whole lines
-    qint64 m_number = 0; // of the next line
+    mutable AnnotatedMutex m_mutex;
+    int m_file VIDEODOWN_GUARDED_BY(m_mutex) = -1;
+    qint64 m_size VIDEODOWN_GUARDED_BY(m_mutex) = 0;   // bytes of whole lines
+    qint64 m_number VIDEODOWN_GUARDED_BY(m_mutex) = 0; // of the next line
 };
 
 #endif

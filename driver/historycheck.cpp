@@ -1,4 +1,4 @@
-#include "driver/soundness.h"
+#include "driver/historycheck.h"
 
 #include <QFile>
 

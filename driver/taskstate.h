@@ -2,6 +2,8 @@
 #ifndef VIDEODOWN_DRIVER_TASKSTATE_H
 #define VIDEODOWN_DRIVER_TASKSTATE_H
 
+#include <QString>
+
 /**
  * How far a task is. Histories keep these numbers: they never change their meaning.
  *
@@ -16,5 +18,11 @@ enum class TaskState : int {
     Failed = 4,   ///< ended without a file; the reason is not kept
     Stopped = 5,  ///< ended by the user
 };
+
+/**
+ * A task's state in one English word, when no driver has the task: "interrupted", "finished",
+ * "failed", "stopped" or "unknown".
+ */
+QString stateName(TaskState state);
 
 #endif

@@ -1,5 +1,7 @@
 #include "driver/taskrecord.h"
 
+#include "driver/disk.h"
+
 #include <QFile>
 #include <QFileInfo>
 
@@ -23,6 +25,39 @@ TaskState stateOf(const CXMLInfo &record)
 bool isInterrupted(const CXMLInfo &record)
 {
     return stateOf(record) == TaskState::Waiting || stateOf(record) == TaskState::Running;
+}
+
+bool hasFailedOrStopped(const CXMLInfo &record)
+{
+    return stateOf(record) == TaskState::Failed || stateOf(record) == TaskState::Stopped;
+}
+
+std::optional<QString> obstacle(const CXMLInfo &record, TaskAction action)
+{
+    const auto unless = [](bool possible, const QString &why) {
+        return possible ? std::nullopt : std::optional(why);
+    };
+    const bool isFinished = stateOf(record) == TaskState::Finished;
+    switch (action) {
+    case TaskAction::Resume:
+        return unless(isInterrupted(record) || stateOf(record) == TaskState::Stopped,
+                      QStringLiteral("only an interrupted or stopped task can be resumed"));
+    case TaskAction::Retry:
+        return unless(!isFinished, QStringLiteral("a finished task is not tried again"));
+    case TaskAction::Upgrade:
+        return unless(isFinished && isDownloaded(record),
+                      QStringLiteral("only a finished task can be upgraded whose video is there "
+                                     "as it was downloaded"));
+    case TaskAction::Rename:
+        return unless(isFinished && disk::isTaken(record.FileName),
+                      QStringLiteral("only a finished task whose file is there can be renamed"));
+    case TaskAction::Open:
+        return unless(isFinished && isComplete(record), QStringLiteral("its file is not there"));
+    case TaskAction::Remove:
+        return std::nullopt;
+    default:
+        return QStringLiteral("the task is not at work");
+    }
 }
 
 // A task that was never downloaded only knows where its thumbnail goes, which is the same folder.

@@ -1,0 +1,17 @@
+/** Renaming a finished task's files. */
+#ifndef VIDEODOWN_DRIVER_RENAMING_H
+#define VIDEODOWN_DRIVER_RENAMING_H
+
+#include "down/cdown.h"
+
+#include <QString>
+
+/**
+ * Renames the video of a finished task that no driver has, and its copy or conversion. Characters
+ * that file names do not take are left out; the extension stays. Never replaces a file. Takes the
+ * controller lock; the history is not saved.
+ * @return why that failed, in English; empty on success
+ */
+QString renameTask(CDown &controller, const QString &key, const QString &name);
+
+#endif

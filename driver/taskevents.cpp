@@ -1,0 +1,268 @@
+// What the engine's events make of the tasks, and how tasks end.
+#include "driver/dispatcher.h"
+
+#include "driver/outputname.h"
+#include "driver/plaintext.h"
+#include "driver/taskrecord.h"
+
+#include <cmath>
+#include <utility>
+
+namespace {
+
+constexpr qsizetype taskKeyLength = 32;
+
+qint64 wholeNumber(double value)
+{
+    return value > 0 && value < 9e18 ? qint64(value) : 0;
+}
+
+// The response's own word on why there is nothing to download; empty when it has none.
+QString siteReason(const QString &videoInfoText)
+{
+    const QLatin1String key("reason=");
+    for (const QString &line : videoInfoText.split(u'\n')) {
+        if (line.startsWith(key))
+            return plaintext::withoutControls(line.mid(key.size())).trimmed();
+    }
+    return {};
+}
+
+FailureReason nothingOffered(const QString &videoInfoText, const QString &advice)
+{
+    const QString reason = siteReason(videoInfoText);
+    return {reason.isEmpty() ? QStringLiteral("the site offers no formats of this video")
+                             : QStringLiteral("the site refuses this video: %1").arg(reason),
+            advice};
+}
+
+} // namespace
+
+void Dispatcher::handle(const EngineEvent &event)
+{
+    const QString taskKey = event.key.left(taskKeyLength);
+    if (event.key != taskKey) {
+        handleThumbnail(event);
+        return;
+    }
+    Task *task = m_tasks.find(taskKey);
+    if (task == nullptr)
+        return;
+    if (task->stage == Stage::Parsing)
+        handleParse(*task, event);
+    else if (task->stage == Stage::Downloading)
+        handleVideo(*task, event);
+    else if (task->stage == Stage::Copying)
+        finished(*task);
+}
+
+void Dispatcher::handleThumbnail(const EngineEvent &event)
+{
+    if (!isTerminal(event.code))
+        return;
+    const QString key = event.key.left(taskKeyLength);
+    m_thumbnails.remove(key);
+    settleIfAtRest(key);
+}
+
+void Dispatcher::handleParse(Task &task, const EngineEvent &event)
+{
+    if (event.code != DOWN_STATE_PARSE_SUCCESS && event.code != DOWN_STATE_PARSE_FAIL &&
+        event.code != DOWN_STATE_USER_STOP)
+        return;
+    if (event.code == DOWN_STATE_USER_STOP || task.stopping)
+        endStopped(task);
+    else if (event.code == DOWN_STATE_PARSE_FAIL)
+        endFailed(task, reasonFor(task, event.value));
+    else
+        parsed(task);
+}
+
+void Dispatcher::handleVideo(Task &task, const EngineEvent &event)
+{
+    switch (event.code) {
+    case DOWN_STATE_DOWNLOAD_FINISH:
+        finished(task);
+        break;
+    case DOWN_STATE_DOWNLOAD_FAIL:
+        if (task.stopping)
+            endStopped(task);
+        else if (!refresh(task, event.value))
+            endFailed(task, reasonFor(task, event.value));
+        break;
+    case DOWN_STATE_USER_STOP:
+        endStopped(task);
+        break;
+    case DOWN_STATE_DISK_NO_SPACE:
+        task.diskFull = true;
+        break;
+    case DOWN_STATE_RETRY_DOWNLOAD:
+        tell([this, key = task.key, attempt = int(event.value)] {
+            emit m_driver.retrying(key, attempt);
+        });
+        break;
+    default:
+        noteProgress(task, event);
+    }
+}
+
+void Dispatcher::noteProgress(Task &task, const EngineEvent &event)
+{
+    const qint64 value = wholeNumber(event.value);
+    if (event.code == DOWN_STATE_FILE_SIZE)
+        task.progress.total = value;
+    else if (event.code == DOWN_STATE_DOWNLOAD_PROGRESS)
+        task.progress.received = value;
+    else if (event.code == DOWN_STATE_DOWNLOAD_SPEED)
+        task.progress.bytesPerSecond = task.progress.paused ? 0 : value;
+    else if (event.code != DOWN_STATE_START_DOWNLOAD)
+        return;
+    m_progressed.insert(task.key);
+}
+
+void Dispatcher::tellProgress(const Task &task)
+{
+    if (m_progressed.remove(task.key))
+        tell([this, progress = task.progress] { emit m_driver.progressed(progress); });
+}
+
+void Dispatcher::parsed(Task &task)
+{
+    DownloadResult result;
+    const auto failure = takeAnswer(task, result);
+    tell([this, key = task.key, title = task.progress.title] {
+        emit m_driver.described(key, title);
+    });
+    if (failure) {
+        endFailed(task, *failure);
+    } else if (task.request.inspectOnly) {
+        result.outcome = DownloadOutcome::Finished;
+        result.offer = task.offer;
+        end(task, result);
+    } else {
+        m_tasks.moveTo(task, Stage::Ready);
+    }
+}
+
+// Why there is nothing to download, or nothing.
+std::optional<FailureReason> Dispatcher::takeAnswer(Task &task, DownloadResult &result)
+{
+    const ControllerLock lock;
+    const CXMLInfo *record = controller().getXMLInfo(task.key);
+    if (record == nullptr)
+        return refusal(task.key);
+    task.progress.title = record->Title;
+    task.offer = VideoOffer(record->fmt_list, record->fmt_stream_map);
+    result.seconds = record->Duration;
+    if (task.offer.formats().isEmpty())
+        return nothingOffered(record->VideoInfoText, m_settings.offerAdvice);
+    // An upgrade replaces the thumbnail too, but only once it is sure.
+    if (m_settings.thumbnails && !record->ImageURL.isEmpty() && !task.upgrade && !task.refreshed &&
+        !task.request.inspectOnly)
+        m_thumbnailsToGet.append(task.key);
+    return std::nullopt;
+}
+
+void Dispatcher::finished(Task &task)
+{
+    FinishedFiles files;
+    DownloadResult result;
+    result.outcome = DownloadOutcome::Finished;
+    {
+        const ControllerLock lock;
+        if (const CXMLInfo *record = controller().getXMLInfo(task.key)) {
+            files.video = record->FileName;
+            files.copy = record->IsOrgVideo == 1 ? record->SaveAsFileName : QString();
+        }
+    }
+    result.path = files.copy.isEmpty() ? files.video : files.copy;
+    if (const auto reason = missingFile(files))
+        endFailed(task, *reason);
+    else
+        end(task, result);
+}
+
+// Stream addresses do not keep; the page's are fresh. Comes before what was never begun.
+bool Dispatcher::refresh(Task &task, double code)
+{
+    if (task.refreshed || !m_settings.hasExpired || !m_settings.hasExpired(code))
+        return false;
+    task.refreshed = true; // keeps its name meanwhile
+    task.progress.paused = false;
+    m_tasks.moveTo(task, Stage::Waiting, TaskTable::Place::First);
+    return true;
+}
+
+void Dispatcher::dropThumbnail(const QString &key)
+{
+    m_thumbnailsToGet.removeOne(key);
+    if (m_thumbnails.contains(key))
+        m_port.stopThumbnail(key);
+}
+
+void Dispatcher::stopAtWork(Task &task)
+{
+    task.stopping = true;
+    m_port.stop(task.key);
+    dropThumbnail(task.key);
+}
+
+FailureReason Dispatcher::reasonFor(const Task &task, double code) const
+{
+    if (task.diskFull)
+        return {QStringLiteral("the disk of \"%1\" is full").arg(task.request.downloadFolder),
+                QStringLiteral("Free some space, or choose another folder.")};
+    const auto text = [code](const std::function<QString(double)> &of) {
+        return of ? of(code) : QString();
+    };
+    const QString cause = text(m_settings.failureText);
+    return {cause.isEmpty() ? QStringLiteral("the transfer failed (code %1)").arg(code) : cause,
+            text(m_settings.failureAdvice)};
+}
+
+void Dispatcher::endPresent(Task &task)
+{
+    DownloadResult result;
+    result.outcome = DownloadOutcome::Finished;
+    {
+        const ControllerLock lock;
+        if (const CXMLInfo *record = controller().getXMLInfo(task.key)) {
+            task.progress.title = record->Title;
+            result.path = taskrecord::outputPath(*record);
+        }
+    }
+    end(task, result);
+}
+
+void Dispatcher::endFailed(Task &task, const FailureReason &reason)
+{
+    DownloadResult result;
+    result.outcome = DownloadOutcome::Failed;
+    result.failure = reason;
+    end(task, result);
+}
+
+void Dispatcher::endStopped(Task &task)
+{
+    DownloadResult result;
+    result.outcome = DownloadOutcome::Stopped;
+    end(task, result);
+}
+
+// The one place where a task ends.
+void Dispatcher::end(Task &task, DownloadResult result)
+{
+    tellProgress(task);
+    Task ended = m_tasks.take(task);
+    result.key = ended.key;
+    result.address = ended.request.address;
+    result.title = ended.progress.title;
+    result.finding = ended.finding;
+    if (result.outcome != DownloadOutcome::Finished) {
+        releaseName(ended);
+        dropThumbnail(ended.key);
+    }
+    noteEnd(ended, result.outcome);
+    endUpgrade(ended, result);
+    tell([this, result] { emit m_driver.ended(result); });
+}
