@@ -1,10 +1,10 @@
 #include "engine/taskengine.h"
 
+#include "engine/annotatedmutex.h"
 #include "taskengine/engine.h"
 
 #include <exception>
 #include <memory>
-#include <mutex>
 #include <utility>
 
 namespace {
@@ -16,12 +16,12 @@ using taskengine::RequestKind;
 /** Never destroyed: callbacks may still be in flight while the process ends. */
 struct Boundary
 {
-    std::mutex mutex; ///< never held while the engine works, waits or calls back
-
-    // Guarded by `mutex`.
-    std::shared_ptr<Engine> engine; ///< null: requests are refused
-    std::shared_ptr<Engine> former; ///< stopping, or stopped with callbacks in flight
-    bool initialised = false;
+    AnnotatedMutex mutex; ///< never held while the engine works, waits or calls back
+    /** Null: requests are refused. */
+    std::shared_ptr<Engine> engine VIDEODOWN_GUARDED_BY(mutex);
+    /** Stopping, or stopped with callbacks in flight. */
+    std::shared_ptr<Engine> former VIDEODOWN_GUARDED_BY(mutex);
+    bool initialised VIDEODOWN_GUARDED_BY(mutex) = false;
 };
 
 Boundary &boundary()
@@ -32,7 +32,7 @@ Boundary &boundary()
 
 std::shared_ptr<Engine> currentEngine()
 {
-    const std::lock_guard<std::mutex> lock(boundary().mutex);
+    const MutexLock lock(boundary().mutex);
     return boundary().engine;
 }
 
@@ -40,7 +40,7 @@ std::shared_ptr<Engine> currentEngine()
 std::shared_ptr<Engine> takeEngine()
 {
     std::shared_ptr<Engine> oldest; // ended outside the lock, because that waits for callbacks
-    const std::lock_guard<std::mutex> lock(boundary().mutex);
+    const MutexLock lock(boundary().mutex);
     if (boundary().engine) {
         oldest = std::exchange(boundary().former, std::move(boundary().engine));
         boundary().engine = nullptr;
@@ -64,7 +64,7 @@ int command(const char *key, Command::Verb verb)
 
 int DownloadInit()
 {
-    const std::lock_guard<std::mutex> lock(boundary().mutex);
+    const MutexLock lock(boundary().mutex);
     try {
         if (!boundary().engine)
             boundary().engine = std::make_shared<Engine>();
@@ -80,7 +80,7 @@ int Quit()
     const std::shared_ptr<Engine> engine = takeEngine();
     if (!engine || !engine->stop())
         return 0;
-    const std::lock_guard<std::mutex> lock(boundary().mutex);
+    const MutexLock lock(boundary().mutex);
     if (boundary().former == engine) // nothing is left to wait for
         boundary().former = nullptr;
     return 0;
@@ -89,7 +89,7 @@ int Quit()
 int DownloadCleanup()
 {
     Quit();
-    const std::lock_guard<std::mutex> lock(boundary().mutex);
+    const MutexLock lock(boundary().mutex);
     return std::exchange(boundary().initialised, false) ? 0 : -1;
 }
 

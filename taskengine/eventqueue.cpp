@@ -1,8 +1,8 @@
 #include "taskengine/eventqueue.h"
 
+#include "engine/annotatedmutex.h"
+
 #include <algorithm>
-#include <condition_variable>
-#include <mutex>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -22,19 +22,24 @@ bool isMeasurement(tagDownloadStateCode code)
 
 } // namespace
 
-struct EventDispatcher::Core
+/** What the callback threads share; it lives for as long as one of them. */
+struct EventDispatcher::Core : std::enable_shared_from_this<Core>
 {
-    std::mutex mutex;
+    void addThread() VIDEODOWN_REQUIRES(mutex);
+    void callThread() VIDEODOWN_REQUIRES(mutex);
+    void run();
+    void deliverNext() VIDEODOWN_REQUIRES(mutex);
+
+    AnnotatedMutex mutex;
     std::condition_variable wake; ///< work, or the end
     std::condition_variable done; ///< a callback has returned after `stopping` was set
-
-    // Guarded by `mutex`.
-    std::deque<std::shared_ptr<EventQueue>> ready;
-    std::vector<std::thread> threads;
-    std::size_t idle = 0;
-    std::size_t active = 0;
-    bool called = false; ///< a thread is on its way to look for work
-    bool stopping = false;
+    std::deque<std::shared_ptr<EventQueue>> ready VIDEODOWN_GUARDED_BY(mutex);
+    std::vector<std::thread> threads VIDEODOWN_GUARDED_BY(mutex);
+    std::size_t idle VIDEODOWN_GUARDED_BY(mutex) = 0;
+    std::size_t active VIDEODOWN_GUARDED_BY(mutex) = 0;
+    /** A thread is on its way to look for work. */
+    bool called VIDEODOWN_GUARDED_BY(mutex) = false;
+    bool stopping VIDEODOWN_GUARDED_BY(mutex) = false;
 };
 
 /** A newer measurement takes the place of an older one that nobody has fetched yet. */
@@ -51,7 +56,8 @@ void EventQueue::add(Event event)
 
 EventDispatcher::EventDispatcher() : m_core(std::make_shared<Core>())
 {
-    addThread(m_core);
+    const MutexLock lock(m_core->mutex);
+    m_core->addThread();
 }
 
 EventDispatcher::~EventDispatcher()
@@ -59,14 +65,14 @@ EventDispatcher::~EventDispatcher()
     stop();
 }
 
-void EventDispatcher::addThread(const std::shared_ptr<Core> &core)
+void EventDispatcher::Core::addThread()
 {
-    core->threads.emplace_back([core] { run(core); });
+    threads.emplace_back([core = shared_from_this()] { core->run(); });
 }
 
 void EventDispatcher::post(const std::shared_ptr<EventQueue> &queue, Event event)
 {
-    const std::lock_guard<std::mutex> lock(m_core->mutex);
+    const MutexLock lock(m_core->mutex);
     if (m_core->stopping)
         return;
     queue->add(std::move(event));
@@ -78,64 +84,63 @@ void EventDispatcher::post(const std::shared_ptr<EventQueue> &queue, Event event
 
 void EventDispatcher::wake()
 {
-    const std::lock_guard<std::mutex> lock(m_core->mutex);
-    callThread(m_core);
+    const MutexLock lock(m_core->mutex);
+    m_core->callThread();
 }
 
 /**
- * Called with the mutex locked. One thread at a time is on its way, and calls the next when it
- * finds more than it takes: so quick callbacks keep few threads busy, and slow ones get as many as
- * needed.
+ * One thread at a time is on its way, and calls the next when it finds more than it takes: so quick
+ * callbacks keep few threads busy, and slow ones get as many as needed.
  */
-void EventDispatcher::callThread(const std::shared_ptr<Core> &core)
+void EventDispatcher::Core::callThread()
 {
-    if (core->stopping || core->called || core->ready.empty())
+    if (stopping || called || ready.empty())
         return;
     try {
-        if (core->idle == 0)
-            addThread(core);
-        core->called = true;
-        core->wake.notify_one();
+        if (idle == 0)
+            addThread();
+        called = true;
+        wake.notify_one();
     } catch (const std::system_error &) { // no more threads to be had: those there are will do
     }
 }
 
-void EventDispatcher::run(const std::shared_ptr<Core> &core)
+void EventDispatcher::Core::run()
 {
-    std::unique_lock<std::mutex> lock(core->mutex);
-    core->called = false;
-    while (!core->stopping) {
-        if (!core->ready.empty()) {
-            deliverNext(core);
+    const MutexLock lock(mutex);
+    called = false;
+    while (!stopping) {
+        if (!ready.empty()) {
+            deliverNext();
             continue;
         }
-        ++core->idle;
-        core->wake.wait(lock);
-        --core->idle;
-        core->called = false;
+        ++idle;
+        mutex.wait(wake);
+        --idle;
+        called = false;
     }
 }
 
-/** Called and left with the mutex locked; it is open during the callback. */
-void EventDispatcher::deliverNext(const std::shared_ptr<Core> &core)
+/** The mutex is open during the callback. */
+void EventDispatcher::Core::deliverNext()
 {
-    std::shared_ptr<EventQueue> queue = std::move(core->ready.front());
-    core->ready.pop_front();
+    std::shared_ptr<EventQueue> queue = std::move(ready.front());
+    ready.pop_front();
     Event event = std::move(queue->m_pending.front());
     queue->m_pending.pop_front();
-    callThread(core);
-    ++core->active;
-    core->mutex.unlock();
+    callThread();
+    ++active;
+    mutex.unlock();
     insideCallback = true;
     queue->deliver(event);
     insideCallback = false;
-    core->mutex.lock();
-    --core->active;
-    queue->m_scheduled = !queue->m_pending.empty() && !core->stopping;
+    mutex.lock();
+    --active;
+    queue->m_scheduled = !queue->m_pending.empty() && !stopping;
     if (queue->m_scheduled)
-        core->ready.push_back(std::move(queue));
-    if (core->stopping)
-        core->done.notify_all();
+        ready.push_back(std::move(queue));
+    if (stopping)
+        done.notify_all();
 }
 
 bool EventDispatcher::stop()
@@ -143,13 +148,13 @@ bool EventDispatcher::stop()
     std::vector<std::thread> threads;
     std::deque<std::shared_ptr<EventQueue>> dropped;
     {
-        std::unique_lock<std::mutex> lock(m_core->mutex);
+        const MutexLock lock(m_core->mutex);
         m_core->stopping = true;
         m_core->wake.notify_all();
         threads.swap(m_core->threads);
         dropped.swap(m_core->ready);
-        if (!insideCallback)
-            m_core->done.wait(lock, [this] { return m_core->active == 0; });
+        while (!insideCallback && m_core->active > 0)
+            m_core->mutex.wait(m_core->done);
     }
     for (std::thread &thread : threads) {
         if (insideCallback)

@@ -90,11 +90,6 @@ public:
 private:
     struct Core;
 
-    static void addThread(const std::shared_ptr<Core> &core);
-    static void callThread(const std::shared_ptr<Core> &core);
-    static void run(const std::shared_ptr<Core> &core);
-    static void deliverNext(const std::shared_ptr<Core> &core);
-
     /** Shared with the threads, which may outlive this object by the callback they are in. */
     std::shared_ptr<Core> m_core;
 };

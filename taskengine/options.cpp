@@ -1,8 +1,8 @@
 #include "taskengine/options.h"
 
+#include "engine/annotatedmutex.h"
 #include "taskengine/settings.h"
 
-#include <mutex>
 #include <utility>
 
 namespace taskengine {
@@ -12,8 +12,9 @@ namespace {
 /** Never destroyed: threads of the application may still read it while the process ends. */
 struct Settings
 {
-    std::mutex mutex;
-    std::shared_ptr<const Options> options = std::make_shared<Options>();
+    AnnotatedMutex mutex;
+    std::shared_ptr<const Options>
+        options VIDEODOWN_GUARDED_BY(mutex) = std::make_shared<Options>();
 };
 
 Settings &settings()
@@ -27,7 +28,7 @@ Settings &settings()
 void setOptions(const Options &options)
 {
     auto copy = std::make_shared<const Options>(options);
-    const std::lock_guard<std::mutex> lock(settings().mutex);
+    const MutexLock lock(settings().mutex);
     settings().options = std::move(copy);
 }
 
@@ -38,7 +39,7 @@ Options options()
 
 std::shared_ptr<const Options> currentOptions()
 {
-    const std::lock_guard<std::mutex> lock(settings().mutex);
+    const MutexLock lock(settings().mutex);
     return settings().options;
 }
 

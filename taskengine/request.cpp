@@ -80,13 +80,13 @@ void Request::deliver(Event &event)
 
 bool RequestTable::isFree(const std::string &key) const
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const MutexLock lock(m_mutex);
     return !m_closed && m_requests.count(key) == 0;
 }
 
 bool RequestTable::submit(const RequestPointer &request)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const MutexLock lock(m_mutex);
     if (m_closed || !m_requests.emplace(request->record.szTaskKey, request).second)
         return false;
     m_commands.push_back({Command::Verb::Start, request});
@@ -95,7 +95,7 @@ bool RequestTable::submit(const RequestPointer &request)
 
 bool RequestTable::command(const std::string &key, Command::Verb verb)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const MutexLock lock(m_mutex);
     const auto found = m_requests.find(key);
     if (found == m_requests.end())
         return false;
@@ -105,7 +105,7 @@ bool RequestTable::command(const std::string &key, Command::Verb verb)
 
 void RequestTable::erase(const Request &request)
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const MutexLock lock(m_mutex);
     const auto found = m_requests.find(request.record.szTaskKey);
     if (found != m_requests.end() && found->second.get() == &request)
         m_requests.erase(found);
@@ -115,7 +115,7 @@ void RequestTable::close()
 {
     std::unordered_map<std::string, RequestPointer> requests; // let go outside the lock
     std::deque<Command> commands;
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const MutexLock lock(m_mutex);
     m_closed = true;
     requests.swap(m_requests);
     commands.swap(m_commands);
@@ -123,7 +123,7 @@ void RequestTable::close()
 
 std::deque<Command> RequestTable::takeCommands()
 {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const MutexLock lock(m_mutex);
     return std::exchange(m_commands, {});
 }
 

@@ -2,13 +2,13 @@
 #ifndef VIDEODOWN_TASKENGINE_REQUEST_H
 #define VIDEODOWN_TASKENGINE_REQUEST_H
 
+#include "engine/annotatedmutex.h"
 #include "taskengine/eventqueue.h"
 #include "taskengine/options.h"
 #include "taskengine/targetfile.h"
 
 #include <deque>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <unordered_map>
 
@@ -82,10 +82,10 @@ public:
     std::deque<Command> takeCommands();
 
 private:
-    mutable std::mutex m_mutex;
-    std::unordered_map<std::string, RequestPointer> m_requests;
-    std::deque<Command> m_commands;
-    bool m_closed = false;
+    mutable AnnotatedMutex m_mutex;
+    std::unordered_map<std::string, RequestPointer> m_requests VIDEODOWN_GUARDED_BY(m_mutex);
+    std::deque<Command> m_commands VIDEODOWN_GUARDED_BY(m_mutex);
+    bool m_closed VIDEODOWN_GUARDED_BY(m_mutex) = false;
 };
 
 } // namespace taskengine

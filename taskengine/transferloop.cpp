@@ -59,7 +59,7 @@ void TransferLoop::stop()
 {
     m_stopping = true;
     wake();
-    const std::lock_guard<std::mutex> lock(m_joinMutex);
+    const MutexLock lock(m_joinMutex);
     if (m_thread.joinable())
         m_thread.join();
 }

@@ -2,10 +2,10 @@
 #ifndef VIDEODOWN_TASKENGINE_TRANSFERLOOP_H
 #define VIDEODOWN_TASKENGINE_TRANSFERLOOP_H
 
+#include "engine/annotatedmutex.h"
 #include "taskengine/job.h"
 
 #include <atomic>
-#include <mutex>
 #include <thread>
 #include <unordered_map>
 #include <vector>
@@ -48,8 +48,8 @@ private:
     std::atomic<bool> m_stopping{false};
     std::unordered_map<const Request *, std::unique_ptr<Job>> m_jobs; ///< the thread's own
     std::vector<curl_waitfd> m_inputs;                                ///< the thread's own
-    std::mutex m_joinMutex; ///< protects `m_thread` against being joined twice
-    std::thread m_thread;
+    AnnotatedMutex m_joinMutex;
+    std::thread m_thread VIDEODOWN_GUARDED_BY(m_joinMutex); ///< so that it is joined once
 };
 
 } // namespace taskengine

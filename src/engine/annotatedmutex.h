@@ -3,6 +3,7 @@
 #ifndef VIDEODOWN_ENGINE_ANNOTATEDMUTEX_H
 #define VIDEODOWN_ENGINE_ANNOTATEDMUTEX_H
 
+#include <condition_variable>
 #include <mutex>
 
 #if defined(__clang__)
@@ -16,8 +17,7 @@
 #define VIDEODOWN_REQUIRES(mutex) VIDEODOWN_THREAD_ANNOTATION(requires_capability(mutex))
 
 /**
- * `std::mutex` with the annotations that the standard library's own lacks. Not re-entrant. A
- * `std::condition_variable_any` can wait on it.
+ * `std::mutex` with the annotations that the standard library's own lacks. Not re-entrant.
  */
 class VIDEODOWN_THREAD_ANNOTATION(capability("mutex")) AnnotatedMutex
 {
@@ -30,6 +30,14 @@ public:
     void lock() VIDEODOWN_THREAD_ANNOTATION(acquire_capability()) { m_mutex.lock(); }
     /** Gives it back. */
     void unlock() VIDEODOWN_THREAD_ANNOTATION(release_capability()) { m_mutex.unlock(); }
+
+    /** Waits for a condition, with the mutex given back meanwhile; may return without one. */
+    void wait(std::condition_variable &condition) VIDEODOWN_REQUIRES(this)
+    {
+        std::unique_lock<std::mutex> lock(m_mutex, std::adopt_lock);
+        condition.wait(lock);
+        lock.release();
+    }
 
 private:
     std::mutex m_mutex;
