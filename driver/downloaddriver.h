@@ -73,7 +73,7 @@ public:
      *
      * Unless it is only inspected, the task stands in the controller's list from now on, its
      * `State` kept up to date (TaskState), its `Progress` (percent) set when it ends. A task that
-     * the list has already goes on where it was, under the same file name where that suits the
+     * the list has already is resumed, under the same file name where that suits the
      * request; when its file is there, it ends at once. The record of a task that never had a file
      * is replaced when its parse begins, and handles to it end there.
      * @return the task key, by which signals name the task

@@ -33,7 +33,7 @@
  * it, once the transfer has lasted a quarter of a second: what is killed before that starts anew.
  * Both are gone after success, and for images always. Those of a video stay after a user stop,
  * `Quit` and every failure but 404, when the site gave its size and a strong validator; a later
- * request with the same key and target then goes on where they end, if the site confirms that it
+ * request with the same key and target then continues where they end, if the site confirms that it
  * still has the same file. Names that would become too long are shortened.
  *
  * Refused (-1) are requests while the engine does not run, with an empty or unterminated text where

@@ -189,64 +189,65 @@ private:
     QString m_wrong;
 
     const QCommandLineOption m_help = option({text("h"), text("help")}, "Show this help.");
-    const QCommandLineOption m_from = option(
-        {text("from")},
-        "Also take the addresses in this file, one a line; blank lines and those that begin with "
-        "\"#\" are skipped. \"-\" is standard input.",
-        "file");
+    const QCommandLineOption m_from = option({text("from")},
+                                             "Also download the addresses in this file, one per "
+                                             "line; blank lines and lines that begin with "
+                                             "\"#\" are skipped. \"-\" means standard input.",
+                                             "file");
     const QCommandLineOption m_format = option(
         {text("f"), text("format")},
-        "The wanted file: its extension and, if it matters, the size of the picture, as in "
-        "mp4:1280x720. Chosen is the format of this size, else the next larger one, else the "
-        "largest. Without a size: the largest with this extension. Without this option: the "
-        "largest of all. Nothing is converted without --convert.",
+        "The wanted format: an extension and, optionally, a picture size, as in mp4:1280x720. The "
+        "format of this size is chosen, else the next larger one, else the largest. Without a "
+        "size: the largest format with this extension. Without this option: the largest of all. "
+        "Nothing is converted without --convert.",
         "ext[:WxH]");
-    const QCommandLineOption m_keepSource =
-        option({text("keep-source")},
-               "Deliver the file in the output folder as the site has it; without -f, the best FLV "
-               "format where the site has one.");
+    const QCommandLineOption m_keepSource = option(
+        {text("keep-source")},
+        "Put the video into the output folder as the site offers it; without -f, in the best "
+        "FLV format, if the site has one.");
     const QCommandLineOption m_proxy =
         option({text("proxy")},
                "Use this proxy: [http|socks5|socks5h://][user:password@]host:port. With socks5h, "
-               "the proxy looks host names up.",
+               "the proxy resolves host names.",
                "proxy");
     const QCommandLineOption m_infoCommand = option(
         {text("video-info-command")},
-        "Run this command, with a page's address added, to learn what a video offers. It prints "
-        "\"key=value\" lines. No shell is used; double quotes hold words together.",
+        "Run this command, with the address of a page as its last argument, to find out what the "
+        "site offers. It prints \"key=value\" lines. No shell is used; double quotes keep words "
+        "together.",
         "command");
-    const QCommandLineOption m_json =
-        option({text("json")}, "Print one JSON object a line on standard output for each task.");
-    const QCommandLineOption m_quiet =
-        option({text("q"), text("quiet")}, "Only tell what went wrong.");
+    const QCommandLineOption m_json = option(
+        {text("json")}, "Print a JSON object for each task on standard output, one per line.");
+    const QCommandLineOption m_quiet = option({text("q"), text("quiet")}, "Only show errors.");
     const QCommandLineOption m_output = option(
         {text("o"), text("output")},
-        "The output folder, made when it is missing. Default: the current folder.", "folder");
+        "The output folder, created if it is missing. Default: the current folder.", "folder");
     const QCommandLineOption m_downloads =
         option({text("downloads")},
-               "Where videos and thumbnails are written while they load, made when it is missing. "
+               "The folder that videos and thumbnails are downloaded to, created if it is missing. "
                "With --keep-source, finished videos are copied from there to the output folder; "
                "otherwise they stay there. Default: the output folder.",
                "folder");
     const QCommandLineOption m_again =
-        option({text("again")}, "Also download what is there already.");
-    const QCommandLineOption m_deleteFiles =
-        option({text("delete-files")},
-               "Also delete the files of the tasks: video, copy, thumbnail, and what a broken-off "
-               "download left.");
+        option({text("again")}, "Also download videos that are there already.");
+    const QCommandLineOption m_deleteFiles = option(
+        {text("delete-files")},
+        "Also delete the files of the tasks: videos, copies, thumbnails and the part files of "
+        "interrupted downloads.");
     const QCommandLineOption m_convert =
         option({text("convert")},
-               "Convert what the site does not have in the wanted format, with ffmpeg. The "
+               "Convert videos that the site does not offer in the wanted format, with ffmpeg. The "
                "converted file goes to the output folder; the downloaded one stays.");
     const QCommandLineOption m_history =
         option({text("history")},
-               "The history file, made when it is missing. Default: videodown/history.xml in the "
+               "The history file, created if it is missing. Default: videodown/history.xml in the "
                "user's data folder ($XDG_DATA_HOME, or ~/.local/share).",
                "file");
-    const QCommandLineOption m_jobs = option(
-        {text("j"), text("jobs")}, "How many videos at once, 1 to 100. Default: 3.", "number");
+    const QCommandLineOption m_jobs =
+        option({text("j"), text("jobs")},
+               "How many videos to download at once, 1 to 100. Default: 3.", "number");
     const QCommandLineOption m_noThumbnails =
-        option({text("no-thumbnails")}, "Do not fetch the videos' thumbnails.");
+        option({text("no-thumbnails")}, "Do not download thumbnails.");
     const QCommandLineOption m_progress{
         {text("progress")},
         text("Show progress: \"always\" as bars, \"never\", or \"auto\": as bars on a terminal, "

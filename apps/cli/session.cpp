@@ -199,7 +199,7 @@ void Session::interrupt(int number)
 {
     m_status.signal = number;
     if (number == SIGINT || number == SIGTERM)
-        m_view->say(QStringLiteral("stopping; once more ends at once"));
+        m_view->say(QStringLiteral("stopping; press Ctrl-C again to quit now"));
     m_driver.stopAll();
     m_converter.stopAll();
 }
