@@ -1,5 +1,6 @@
 #include "taskengine/commandjob.h"
 
+#include "taskengine/address.h"
 #include "taskengine/videoinfosource.h"
 
 #include <algorithm>

@@ -216,7 +216,7 @@ void DownloadJob::warnNoResume()
 void DownloadJob::report(Clock::time_point now)
 {
     if (now - m_begun >= reportInterval)
-        m_part->note(); // what takes so long may be broken off, and is worth continuing
+        m_part->saveFacts(); // what takes so long may be interrupted, and is worth continuing
     if (const auto position = m_meter.progress(m_part->size(), now))
         post(DOWN_STATE_DOWNLOAD_PROGRESS, static_cast<double>(*position));
     if (const auto speed = m_meter.speed(m_part->size(), now))

@@ -3,7 +3,7 @@
 #define VIDEODOWN_TASKENGINE_EVENTQUEUE_H
 
 #include "engine/taskengine.h"
-#include "taskengine/failure.h"
+#include "taskengine/fault.h"
 
 #include <deque>
 #include <memory>

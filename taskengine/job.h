@@ -2,7 +2,7 @@
 #ifndef VIDEODOWN_TASKENGINE_JOB_H
 #define VIDEODOWN_TASKENGINE_JOB_H
 
-#include "taskengine/failure.h"
+#include "taskengine/fault.h"
 #include "taskengine/request.h"
 #include "taskengine/transfer.h"
 

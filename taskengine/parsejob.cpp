@@ -1,5 +1,7 @@
 #include "taskengine/parsejob.h"
 
+#include "taskengine/address.h"
+
 #include <utility>
 
 namespace taskengine {

@@ -47,9 +47,9 @@ std::optional<Fault> PartFile::open(const std::string &target, const std::string
         return fault;
     m_facts = {};
     m_size = ::lseek(m_file, 0, SEEK_END);
-    m_noted = true; // for all that is known
+    m_factsSaved = true; // for all that is known
     if (m_size == 0) {
-        forgetNote();
+        removeFacts();
         return std::nullopt;
     }
     loadFacts();
@@ -94,7 +94,7 @@ bool PartFile::canContinue() const
 
 std::optional<Fault> PartFile::restart()
 {
-    forgetNote();
+    removeFacts();
     m_facts = {};
     if (::ftruncate(m_file, 0) != 0 || ::lseek(m_file, 0, SEEK_SET) != 0)
         return fileFault(errno);
@@ -104,16 +104,16 @@ std::optional<Fault> PartFile::restart()
 
 void PartFile::remember(std::int64_t total, const std::string &validator)
 {
-    forgetNote();
+    removeFacts();
     m_facts = {m_key, total, validator};
 }
 
-/** Facts that cannot be noted only cost a later request its head start. */
-void PartFile::note()
+/** Facts that cannot be saved only cost a later request its head start. */
+void PartFile::saveFacts()
 {
-    if (m_noted || m_facts.validator.empty() || m_facts.total < 0)
+    if (m_factsSaved || m_facts.validator.empty() || m_facts.total < 0)
         return;
-    m_noted = true;
+    m_factsSaved = true;
     ::unlink(m_factsPath.c_str());
     const std::string text = std::string(factsHeading) + "\n" + m_key + "\n" + m_facts.validator +
                              "\n" + std::to_string(m_facts.total) + "\n";
@@ -126,11 +126,11 @@ void PartFile::note()
         ::unlink(m_factsPath.c_str());
 }
 
-void PartFile::forgetNote()
+void PartFile::removeFacts()
 {
-    if (m_noted)
+    if (m_factsSaved)
         ::unlink(m_factsPath.c_str());
-    m_noted = false;
+    m_factsSaved = false;
 }
 
 std::optional<Fault> PartFile::append(const char *data, std::size_t length)
@@ -168,7 +168,7 @@ std::optional<Fault> PartFile::commit(const std::string &target)
         return fileFault(errno);
     if (std::rename(m_path.c_str(), target.c_str()) != 0)
         return fileFault(errno);
-    forgetNote();
+    removeFacts();
     close();
     return std::nullopt;
 }
@@ -179,7 +179,7 @@ void PartFile::keep()
         discard();
         return;
     }
-    note();
+    saveFacts();
     close();
 }
 
@@ -187,7 +187,7 @@ void PartFile::discard()
 {
     if (m_file < 0)
         return;
-    forgetNote();
+    removeFacts();
     ::unlink(m_path.c_str());
     close();
 }

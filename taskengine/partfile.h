@@ -2,7 +2,7 @@
 #ifndef VIDEODOWN_TASKENGINE_PARTFILE_H
 #define VIDEODOWN_TASKENGINE_PARTFILE_H
 
-#include "taskengine/failure.h"
+#include "taskengine/fault.h"
 
 #include <cstdint>
 #include <optional>
@@ -31,8 +31,8 @@ public:
     ~PartFile();
 
     /**
-     * Opens or creates the part file of `target`. Unless its facts are of `key`, and allow to go
-     * on, it starts out empty.
+     * Opens or creates the part file of `target`. Unless its facts are of `key`, and allow to
+     * continue it, it starts out empty.
      */
     std::optional<Fault> open(const std::string &target, const std::string &key);
 
@@ -46,11 +46,11 @@ public:
     /** Empties the file and forgets what is known about it. */
     std::optional<Fault> restart();
 
-    /** Sets the facts, for this request and, once they are noted, later ones. */
+    /** Sets the facts, for this request and, once they are saved, later ones. */
     void remember(std::int64_t total, const std::string &validator);
 
     /** Writes the facts beside the file, unless that is done or they allow nothing. */
-    void note();
+    void saveFacts();
 
     std::optional<Fault> append(const char *data, std::size_t length);
 
@@ -60,7 +60,7 @@ public:
     /** Makes the file the target. */
     std::optional<Fault> commit(const std::string &target);
 
-    /** Closes the file and leaves it for a later request, if one could go on with it. */
+    /** Closes the file and leaves it for a later request, if one could continue it. */
     void keep();
 
     /** Closes and removes the file. */
@@ -69,7 +69,7 @@ public:
 private:
     std::optional<Fault> openLocked();
     void loadFacts();
-    void forgetNote();
+    void removeFacts();
     void close();
 
     std::string m_path;
@@ -78,7 +78,7 @@ private:
     std::string m_key;
     std::int64_t m_size = 0;
     int m_file = -1;
-    bool m_noted = false; ///< the facts are in their file
+    bool m_factsSaved = false; ///< the facts are in their file
 };
 
 } // namespace taskengine

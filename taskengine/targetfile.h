@@ -2,7 +2,7 @@
 #ifndef VIDEODOWN_TASKENGINE_TARGETFILE_H
 #define VIDEODOWN_TASKENGINE_TARGETFILE_H
 
-#include "taskengine/failure.h"
+#include "taskengine/fault.h"
 
 #include <optional>
 #include <string>

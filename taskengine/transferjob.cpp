@@ -1,5 +1,6 @@
 #include "taskengine/transferjob.h"
 
+#include "taskengine/address.h"
 #include "taskengine/videoinfosource.h"
 
 #include <cstring>

@@ -1,38 +1,13 @@
 #include "taskengine/videoinfosource.h"
 
+#include "taskengine/address.h"
+
 #include <algorithm>
-#include <curl/curl.h>
-#include <memory>
 #include <string_view>
 
 namespace taskengine {
 
 namespace {
-
-struct AddressDeleter
-{
-    void operator()(CURLU *address) const { curl_url_cleanup(address); }
-};
-using Address = std::unique_ptr<CURLU, AddressDeleter>;
-
-Address parsed(const std::string &text)
-{
-    Address address(curl_url());
-    const unsigned flags = CURLU_NON_SUPPORT_SCHEME; // told apart from what is no address at all
-    if (address && curl_url_set(address.get(), CURLUPART_URL, text.c_str(), flags) != CURLUE_OK)
-        address.reset();
-    return address;
-}
-
-std::string part(const Address &address, CURLUPart which)
-{
-    char *text = nullptr;
-    if (curl_url_get(address.get(), which, &text, 0) != CURLUE_OK)
-        return {};
-    std::string copy(text);
-    curl_free(text);
-    return copy;
-}
 
 int hexDigit(char character)
 {
@@ -100,7 +75,7 @@ std::string videoId(const Address &page)
 {
     std::string id;
     bool hasParameter = false;
-    forEachPiece(part(page, CURLUPART_QUERY), "&", [&](std::string_view field) {
+    forEachPiece(addressPart(page, CURLUPART_QUERY), "&", [&](std::string_view field) {
         if (hasParameter || field.substr(0, 2) != "v=")
             return;
         hasParameter = true;
@@ -108,7 +83,7 @@ std::string videoId(const Address &page)
     });
     if (hasParameter)
         return id;
-    forEachPiece(part(page, CURLUPART_PATH), "/", [&id](std::string_view segment) {
+    forEachPiece(addressPart(page, CURLUPART_PATH), "/", [&id](std::string_view segment) {
         if (!segment.empty())
             id = decoded(segment, Plus::IsPlus);
     });
@@ -142,14 +117,14 @@ void appendLine(std::string &lines, std::string line)
 
 std::string VideoInfoSource::infoAddress(const std::string &pageAddress) const
 {
-    const Address address = parsed(pageAddress);
+    const Address address = parsedAddress(pageAddress);
     const std::string id = address ? videoId(address) : std::string();
     if (id.empty())
         return {};
     curl_url_set(address.get(), CURLUPART_PATH, "/get_video_info", 0);
     curl_url_set(address.get(), CURLUPART_QUERY, nullptr, 0);
     curl_url_set(address.get(), CURLUPART_FRAGMENT, nullptr, 0);
-    return part(address, CURLUPART_URL) + "?video_id=" + encoded(id);
+    return addressPart(address, CURLUPART_URL) + "?video_id=" + encoded(id);
 }
 
 std::string VideoInfoSource::lines(const std::string &answer) const
@@ -169,17 +144,6 @@ std::string linesOfCommand(const std::string &output)
     forEachPiece(output, "\r\n",
                  [&result](std::string_view line) { appendLine(result, std::string(line)); });
     return result;
-}
-
-std::optional<Fault> addressFault(const std::string &address)
-{
-    const Address checked = parsed(address);
-    if (!checked)
-        return permanent(Failure::BadAddress);
-    const std::string scheme = part(checked, CURLUPART_SCHEME);
-    if (scheme != "http" && scheme != "https")
-        return permanent(Failure::ForbiddenProtocol);
-    return std::nullopt;
 }
 
 } // namespace taskengine

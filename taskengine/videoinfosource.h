@@ -2,9 +2,6 @@
 #ifndef VIDEODOWN_TASKENGINE_VIDEOINFOSOURCE_H
 #define VIDEODOWN_TASKENGINE_VIDEOINFOSOURCE_H
 
-#include "taskengine/failure.h"
-
-#include <optional>
 #include <string>
 
 namespace taskengine {
@@ -34,9 +31,6 @@ public:
  * the form "key=value"
  */
 std::string linesOfCommand(const std::string &output);
-
-/** @return why an address cannot be fetched, if so: no address, or neither HTTP nor HTTPS */
-std::optional<Fault> addressFault(const std::string &address);
 
 } // namespace taskengine
 

@@ -2,6 +2,7 @@
 #include "driver/downloaddriver.h"
 #include "site/faultoption.h"
 #include "site/videosite.h"
+#include "taskengine/failure.h"
 #include "taskengine/options.h"
 
 #include <QDir>

@@ -592,7 +592,7 @@ private slots:
         QVERIFY(!part.open(path("/video"), "key"));
         part.remember(10, "\"a\"");
         QVERIFY(!part.append("0123", 4));
-        part.note();
+        part.saveFacts();
         QVERIFY(QFile::exists(facts) && part.canContinue());
         QVERIFY(!part.restart());
         QVERIFY(!QFile::exists(facts) && !part.canContinue() && part.size() == 0);

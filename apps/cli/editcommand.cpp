@@ -1,9 +1,9 @@
-#include "editcommand.h"
+#include "commands.h"
 
+#include "commandhistory.h"
 #include "driver/renaming.h"
 #include "driver/taskrecord.h"
 #include "standardstreams.h"
-#include "stored.h"
 
 #include <QFile>
 
@@ -22,7 +22,7 @@ ExitStatus refuse(const QString &why)
 bool deleteFilesOf(const CXMLInfo &record)
 {
     bool deleted = true;
-    for (const QString &path : taskrecord::filesOf(record, stored::unfinishedFiles)) {
+    for (const QString &path : taskrecord::filesOf(record, commandhistory::unfinishedFiles)) {
         if (!QFile::remove(path)) {
             refuse(QStringLiteral("\"%1\" cannot be deleted").arg(path));
             deleted = false;
@@ -35,10 +35,10 @@ bool deleteFilesOf(const CXMLInfo &record)
 
 ExitStatus runRemove(const CommandLine &line)
 {
-    stored::History history(line);
-    if (!stored::open(history.keeper))
+    commandhistory::History history(line);
+    if (!commandhistory::open(history.keeper))
         return {ExitHistory, 0};
-    const auto keys = stored::keysOf(history.controller, line.arguments);
+    const auto keys = commandhistory::keysOf(history.controller, line.arguments);
     if (!keys)
         return {ExitFailed, 0};
     QList<std::shared_ptr<CXMLInfo>> removed; // unlinked records are ours
@@ -46,7 +46,7 @@ ExitStatus runRemove(const CommandLine &line)
         removed << std::shared_ptr<CXMLInfo>(history.controller.getXMLInfo(key));
         history.controller.remove(key, false);
     }
-    bool done = stored::save(history.keeper);
+    bool done = commandhistory::save(history.keeper);
     if (done && line.deleteFiles) {
         for (const auto &record : removed)
             done = deleteFilesOf(*record) && done;
@@ -56,14 +56,14 @@ ExitStatus runRemove(const CommandLine &line)
 
 ExitStatus runRename(const CommandLine &line)
 {
-    stored::History history(line);
-    if (!stored::open(history.keeper))
+    commandhistory::History history(line);
+    if (!commandhistory::open(history.keeper))
         return {ExitHistory, 0};
-    const QString key = stored::keyOf(history.controller, line);
+    const QString key = commandhistory::keyOf(history.controller, line);
     if (key.isEmpty())
         return {ExitFailed, 0};
     const QString problem = renameTask(history.controller, key, line.newName);
     if (!problem.isEmpty())
         refuse(problem);
-    return {stored::save(history.keeper) && problem.isEmpty() ? ExitDone : ExitFailed, 0};
+    return {commandhistory::save(history.keeper) && problem.isEmpty() ? ExitDone : ExitFailed, 0};
 }

@@ -1,4 +1,4 @@
-#include "formatscommand.h"
+#include "commands.h"
 
 #include "jsonline.h"
 #include "session.h"

@@ -1,4 +1,4 @@
-#include "getcommand.h"
+#include "commands.h"
 
 #include "driver/addresscheck.h"
 #include "resultwriter.h"

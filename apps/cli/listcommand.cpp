@@ -1,10 +1,10 @@
-#include "listcommand.h"
+#include "commands.h"
 
+#include "commandhistory.h"
 #include "driver/conversions.h"
 #include "driver/taskrecord.h"
 #include "jsonline.h"
 #include "standardstreams.h"
-#include "stored.h"
 #include "terminaltext.h"
 
 #include <QDomDocument>
@@ -45,7 +45,7 @@ QByteArray row(const CXMLInfo &record)
                              .arg(record.MD5Code.left(shownKey), stateOf(record).leftJustified(11),
                                   size.rightJustified(10),
                                   record.DownLoadDate.toString(QStringLiteral("yyyy-MM-dd HH:mm")));
-    return standardstreams::shown(text + stored::titleOf(record)).toUtf8() + '\n';
+    return standardstreams::shown(text + commandhistory::titleOf(record)).toUtf8() + '\n';
 }
 
 // Every field, under the name and in the form that it has in the history file.
@@ -102,8 +102,8 @@ QByteArray asText(const CXMLInfo &record, const QDomElement &task, const QJsonOb
 
 ExitStatus runList(const CommandLine &line)
 {
-    stored::History history(line);
-    if (!stored::open(history.keeper))
+    commandhistory::History history(line);
+    if (!commandhistory::open(history.keeper))
         return {ExitHistory, 0};
     QByteArray text;
     const ControllerLock lock;
@@ -114,10 +114,10 @@ ExitStatus runList(const CommandLine &line)
 
 ExitStatus runShow(const CommandLine &line)
 {
-    stored::History history(line);
-    if (!stored::open(history.keeper))
+    commandhistory::History history(line);
+    if (!commandhistory::open(history.keeper))
         return {ExitHistory, 0};
-    const QString key = stored::keyOf(history.controller, line);
+    const QString key = commandhistory::keyOf(history.controller, line);
     if (key.isEmpty())
         return {ExitFailed, 0};
     const ControllerLock lock;

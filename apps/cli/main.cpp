@@ -1,11 +1,7 @@
 // The command videodown.
 #include "commandline.h"
-#include "editcommand.h"
+#include "commands.h"
 #include "exitstatus.h"
-#include "formatscommand.h"
-#include "getcommand.h"
-#include "listcommand.h"
-#include "resumecommand.h"
 #include "signalwatch.h"
 #include "standardstreams.h"
 #include "strutil/narrowtext.h"

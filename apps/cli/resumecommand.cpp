@@ -1,9 +1,9 @@
-#include "resumecommand.h"
+#include "commands.h"
 
+#include "commandhistory.h"
 #include "driver/taskrequests.h"
 #include "resultwriter.h"
 #include "session.h"
-#include "stored.h"
 
 #include <QDir>
 
@@ -15,7 +15,7 @@ std::optional<QList<DownloadRequest>> requestsToRetry(Session &session, const Co
     CDown &controller = session.driver().controller();
     if (line.arguments.isEmpty())
         return taskrequests::toRetry(controller);
-    const auto keys = stored::keysOf(controller, line.arguments);
+    const auto keys = commandhistory::keysOf(controller, line.arguments);
     if (!keys)
         return std::nullopt;
     auto requests = taskrequests::toRetry(controller, *keys);
@@ -64,7 +64,7 @@ ExitStatus runUpgrade(const CommandLine &line)
     if (!session.openHistory())
         return {ExitHistory, 0};
     CDown &controller = session.driver().controller();
-    const QString key = stored::keyOf(controller, line);
+    const QString key = commandhistory::keyOf(controller, line);
     if (key.isEmpty())
         return {ExitFailed, 0};
     if (const auto request = taskrequests::toUpgrade(controller, key, line.profile))

@@ -1,9 +1,10 @@
 #include "session.h"
 
+#include "commandhistory.h"
 #include "driver/conversions.h"
 #include "driver/resulttext.h"
 #include "standardstreams.h"
-#include "stored.h"
+#include "taskengine/failure.h"
 #include "taskengine/options.h"
 
 #include <QEventLoop>
@@ -33,7 +34,7 @@ DownloadDriver::Settings settingsFor(const CommandLine &line, const QString &dow
     if (!line.videoInfoCommand.isEmpty())
         settings.offerAdvice = QStringLiteral("Run the video-info command by hand with this "
                                               "address to see what it says.");
-    settings.unfinishedFiles = stored::unfinishedFiles;
+    settings.unfinishedFiles = commandhistory::unfinishedFiles;
     settings.failureText = [](double code) {
         return QString::fromStdString(taskengine::failureText(code));
     };
@@ -125,12 +126,12 @@ bool Session::canConvert()
 
 bool Session::openHistory()
 {
-    m_keeper = std::make_unique<HistoryKeeper>(m_driver.controller(), stored::pathFor(m_line),
-                                               stored::unfinishedFiles);
+    m_keeper = std::make_unique<HistoryKeeper>(
+        m_driver.controller(), commandhistory::pathFor(m_line), commandhistory::unfinishedFiles);
     connect(m_keeper.get(), &HistoryKeeper::saveFailed, this, [this](const QString &reason) {
         m_view->say(QStringLiteral("videodown: the history cannot be saved: ") + reason);
     });
-    if (!stored::open(*m_keeper))
+    if (!commandhistory::open(*m_keeper))
         return false;
     m_driver.setKeeper(m_keeper.get());
     return true;
@@ -150,7 +151,7 @@ ExitStatus Session::run(const QList<DownloadRequest> &requests)
     connect(&m_driver, &DownloadDriver::idle, &loop, quitWhenDone);
     connect(&m_converter, &Converter::idle, &loop, quitWhenDone);
     loop.exec();
-    const bool saved = !m_keeper || stored::save(*m_keeper);
+    const bool saved = !m_keeper || commandhistory::save(*m_keeper);
     if (!m_line.quiet && m_line.command != Command::Formats)
         tellSummary();
     if (m_failed + m_stopped > 0 || m_outputBroken || !saved)

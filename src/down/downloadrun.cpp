@@ -1,5 +1,5 @@
 #include "down/cdown.h"
-#include "down/request.h"
+#include "down/enginerequest.h"
 #include "video/formatentry.h"
 #include "video/formatselection.h"
 

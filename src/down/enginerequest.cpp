@@ -1,4 +1,4 @@
-#include "down/request.h"
+#include "down/enginerequest.h"
 
 namespace request {
 

@@ -1,13 +1,13 @@
 /** The history as the commands see it. Problems are told on standard error. */
-#ifndef VIDEODOWN_CLI_STORED_H
-#define VIDEODOWN_CLI_STORED_H
+#ifndef VIDEODOWN_CLI_COMMANDHISTORY_H
+#define VIDEODOWN_CLI_COMMANDHISTORY_H
 
 #include "commandline.h"
 #include "driver/historykeeper.h"
 
 #include <optional>
 
-namespace stored {
+namespace commandhistory {
 
 /** Which files the engine leaves of an unfinished download to `path`. Thread-safe. */
 QStringList unfinishedFiles(const QString &path);
@@ -42,6 +42,6 @@ struct History
     HistoryKeeper keeper;
 };
 
-} // namespace stored
+} // namespace commandhistory
 
 #endif

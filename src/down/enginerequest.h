@@ -1,6 +1,6 @@
 /** Building engine requests. Internal to src/down. */
-#ifndef VIDEODOWN_DOWN_REQUEST_H
-#define VIDEODOWN_DOWN_REQUEST_H
+#ifndef VIDEODOWN_DOWN_ENGINEREQUEST_H
+#define VIDEODOWN_DOWN_ENGINEREQUEST_H
 
 #include "down/cdown.h"
 #include "down/paths.h"

@@ -1,4 +1,4 @@
-#include "stored.h"
+#include "commandhistory.h"
 
 #include "standardstreams.h"
 #include "taskengine/unfinishedfiles.h"
@@ -6,7 +6,7 @@
 #include <QFile>
 #include <QStandardPaths>
 
-namespace stored {
+namespace commandhistory {
 
 namespace {
 
@@ -108,4 +108,4 @@ History::History(const CommandLine &line)
 {
 }
 
-} // namespace stored
+} // namespace commandhistory
