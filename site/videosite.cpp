@@ -65,7 +65,8 @@ void VideoSite::Private::record(const httplib::Request &request)
                         request.get_header_value("If-Range"), request.remote_port});
 }
 
-VideoSite::VideoSite(std::string mediaFolder) : d(std::make_unique<Private>(std::move(mediaFolder)))
+VideoSite::VideoSite(std::string mediaFolder)
+    : m_d(std::make_unique<Private>(std::move(mediaFolder)))
 {
 }
 
@@ -76,47 +77,47 @@ VideoSite::~VideoSite()
 
 bool VideoSite::start(int port)
 {
-    const int bound = d->server.bind(port);
+    const int bound = m_d->server.bind(port);
     if (bound <= 0)
         return false;
-    d->port = bound;
-    d->listener = std::thread([this] { d->server.listen_after_bind(); });
+    m_d->port = bound;
+    m_d->listener = std::thread([this] { m_d->server.listen_after_bind(); });
     // The library's stop() is lost when it comes before the listener runs.
-    while (!d->server.is_running())
+    while (!m_d->server.is_running())
         std::this_thread::yield();
     return true;
 }
 
 bool VideoSite::startTls()
 {
-    d->tls = std::make_unique<TlsFront>(port());
-    if (!d->tls->makeCertificate() || !d->tls->start())
+    m_d->tls = std::make_unique<TlsFront>(port());
+    if (!m_d->tls->makeCertificate() || !m_d->tls->start())
         return false;
-    d->tlsPort = d->tls->port();
+    m_d->tlsPort = m_d->tls->port();
     return true;
 }
 
 bool VideoSite::startProxy(const std::string &user, const std::string &password)
 {
-    d->proxy = std::make_unique<Proxy>(port(), user, password);
-    return d->proxy->start();
+    m_d->proxy = std::make_unique<Proxy>(port(), user, password);
+    return m_d->proxy->start();
 }
 
 void VideoSite::stop()
 {
-    d->gate.close();
-    if (d->tls)
-        d->tls->stop();
-    if (d->proxy)
-        d->proxy->stop();
-    d->server.stop();
-    if (d->listener.joinable())
-        d->listener.join();
+    m_d->gate.close();
+    if (m_d->tls)
+        m_d->tls->stop();
+    if (m_d->proxy)
+        m_d->proxy->stop();
+    m_d->server.stop();
+    if (m_d->listener.joinable())
+        m_d->listener.join();
 }
 
 int VideoSite::port() const
 {
-    return d->port;
+    return m_d->port;
 }
 
 std::string VideoSite::baseAddress() const
@@ -126,17 +127,17 @@ std::string VideoSite::baseAddress() const
 
 std::string VideoSite::secureAddress() const
 {
-    return "https://127.0.0.1:" + std::to_string(d->tlsPort);
+    return "https://127.0.0.1:" + std::to_string(m_d->tlsPort);
 }
 
 std::string VideoSite::certificate() const
 {
-    return d->tls ? d->tls->certificate() : std::string();
+    return m_d->tls ? m_d->tls->certificate() : std::string();
 }
 
 int VideoSite::proxyPort() const
 {
-    return d->proxy ? d->proxy->port() : 0;
+    return m_d->proxy ? m_d->proxy->port() : 0;
 }
 
 std::string VideoSite::pageAddress(const std::string &id) const
@@ -146,45 +147,46 @@ std::string VideoSite::pageAddress(const std::string &id) const
 
 void VideoSite::addVideo(const SiteVideo &video)
 {
-    d->resources.catalogue().add(video);
+    m_d->resources.catalogue().add(video);
 }
 
 void VideoSite::setSmallVideoSize(std::size_t bytes)
 {
-    d->resources.setSmallVideoSize(bytes);
+    m_d->resources.setSmallVideoSize(bytes);
 }
 
 void VideoSite::addMisbehaviour(const Misbehaviour &misbehaviour)
 {
-    d->faults.add(misbehaviour);
+    m_d->faults.add(misbehaviour);
 }
 
 void VideoSite::clearMisbehaviours()
 {
-    d->faults.clear();
+    m_d->faults.clear();
 }
 
 void VideoSite::release()
 {
-    d->gate.release();
+    m_d->gate.release();
 }
 
 std::vector<SiteRequest> VideoSite::requests() const
 {
-    const std::lock_guard lock(d->mutex);
-    return d->requests;
+    const std::lock_guard lock(m_d->mutex);
+    return m_d->requests;
 }
 
 std::size_t VideoSite::requestCount(const std::string &prefix) const
 {
-    const std::lock_guard lock(d->mutex);
+    const std::lock_guard lock(m_d->mutex);
     const auto fits = [&prefix](const SiteRequest &request) {
         return request.target.compare(0, prefix.size(), prefix) == 0;
     };
-    return static_cast<std::size_t>(std::count_if(d->requests.begin(), d->requests.end(), fits));
+    return static_cast<std::size_t>(
+        std::count_if(m_d->requests.begin(), m_d->requests.end(), fits));
 }
 
 bool VideoSite::waitForHeld(std::size_t count, std::chrono::milliseconds limit) const
 {
-    return d->gate.waitForHeld(count, limit);
+    return m_d->gate.waitForHeld(count, limit);
 }
