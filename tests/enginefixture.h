@@ -9,6 +9,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QMap>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -87,13 +88,12 @@ protected:
         QCOMPARE(DownloadCleanup(), 0);
         QCOMPARE(DownloadCleanup(), -1);
         m_site->stop();
+        QMap<std::string, int> open;
         for (const LoggedEvent &event : m_log->events()) {
-            const QList<LoggedEvent> all = m_log->events(event.key);
-            const auto ends = std::count_if(all.begin(), all.end(),
-                                            [](const auto &one) { return isTerminal(one.code); });
-            QVERIFY2(ends <= m_log->count(event.key, DOWN_STATE_START_DOWNLOAD) +
-                                 m_log->count(event.key, DOWN_STATE_START_PARSE),
-                     event.key.c_str());
+            open[event.key] +=
+                event.code == DOWN_STATE_START_DOWNLOAD || event.code == DOWN_STATE_START_PARSE;
+            open[event.key] -= isTerminal(event.code) ? 1 : 0;
+            QVERIFY2(open[event.key] >= 0, event.key.c_str());
         }
     }
 
@@ -146,6 +146,15 @@ protected:
                              m_log->end(key).code == DOWN_STATE_PARSE_FAIL;
         compareEnd(key, isParse ? DOWN_STATE_PARSE_FAIL : DOWN_STATE_DOWNLOAD_FAIL,
                    static_cast<double>(failure));
+    }
+
+    /** The whole video, if it does not fail. */
+    void compareOutcome(const std::string &key, Failure failure) const
+    {
+        if (failure == none)
+            compareEnd(key, DOWN_STATE_DOWNLOAD_FINISH, videoSize);
+        else
+            compareFailure(key, failure);
     }
 
     double lastValue(const std::string &key, tagDownloadStateCode code) const

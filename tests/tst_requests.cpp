@@ -14,6 +14,13 @@ namespace {
 /** Long enough to be waited for in vain if it were ever waited for. */
 constexpr std::int32_t endlessDelay = 30000;
 
+void addNames(std::initializer_list<const char *> names)
+{
+    QTest::addColumn<QString>("what");
+    for (const char *name : names)
+        QTest::newRow(name) << QString::fromLatin1(name);
+}
+
 /** Lets other threads run, as often as `times`. */
 void yield(unsigned times)
 {
@@ -52,12 +59,7 @@ private slots:
         compareFiles({});
     }
 
-    void stop_data()
-    {
-        QTest::addColumn<QString>("what");
-        for (const char *what : {"video", "image", "retry", "paused retry", "parse", "command"})
-            QTest::newRow(what) << QString::fromLatin1(what);
-    }
+    void stop_data() { addNames({"video", "image", "retry", "paused retry", "parse", "command"}); }
 
     void stop()
     {
@@ -104,12 +106,7 @@ private slots:
         QCOMPARE(send(), 0);
     }
 
-    void suspend_data()
-    {
-        QTest::addColumn<QString>("what");
-        for (const char *what : {"transfer", "retry", "command"})
-            QTest::newRow(what) << QString::fromLatin1(what);
-    }
+    void suspend_data() { addNames({"transfer", "retry", "command"}); }
 
     /** A suspended request stands still, while another one shows that its time would be up. */
     void suspend()
