@@ -66,37 +66,20 @@ public:
 
     qsizetype count(const std::string &key, tagDownloadStateCode code)
     {
-        const QList<LoggedEvent> found = events(key);
-        return std::count_if(found.begin(), found.end(),
-                             [code](const LoggedEvent &event) { return event.code == code; });
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        return std::count_if(m_events.begin(), m_events.end(), [&](const LoggedEvent &event) {
+            return event.key == key && event.code == code;
+        });
     }
 
     /** Waits for the key's event with this code. @return whether it came */
     bool waitFor(const std::string &key, tagDownloadStateCode code)
     {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        return m_news.wait_for(lock, deadline, [this, &key, code] {
-            return std::any_of(m_events.begin(), m_events.end(), [&](const LoggedEvent &event) {
-                return event.key == key && event.code == code;
-            });
-        });
+        return await(key, [code](tagDownloadStateCode one) { return one == code; }).code == code;
     }
 
     /** Waits for the key's terminal event. @return it, or DOWN_STATE_NONE when none came */
-    LoggedEvent end(const std::string &key)
-    {
-        LoggedEvent found;
-        std::unique_lock<std::mutex> lock(m_mutex);
-        m_news.wait_for(lock, deadline, [&] {
-            const auto event = std::find_if(m_events.begin(), m_events.end(), [&](const auto &one) {
-                return one.key == key && isTerminal(one.code);
-            });
-            if (event != m_events.end())
-                found = *event;
-            return event != m_events.end();
-        });
-        return found;
-    }
+    LoggedEvent end(const std::string &key) { return await(key, isTerminal); }
 
     template <std::size_t Size>
     static void copy(char (&field)[Size], const std::string &text)
@@ -107,6 +90,20 @@ public:
 private:
     /** Generous: it only ends a test that has failed. */
     static constexpr std::chrono::seconds deadline{60};
+
+    template <typename Predicate>
+    LoggedEvent await(const std::string &key, const Predicate &isWanted)
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        auto event = m_events.cend();
+        m_news.wait_for(lock, deadline, [&] {
+            event = std::find_if(m_events.cbegin(), m_events.cend(), [&](const auto &one) {
+                return one.key == key && isWanted(one.code);
+            });
+            return event != m_events.cend();
+        });
+        return event != m_events.cend() ? *event : LoggedEvent();
+    }
 
     tagTaskInfo request(const std::string &key)
     {

@@ -1,0 +1,142 @@
+/** Parse requests: the site's answer, the page's address, and commands in the place of a site. */
+#include "enginefixture.h"
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+class VideoInfoTest : public EngineFixture
+{
+    Q_OBJECT
+
+private slots:
+    void init() { begin(); }
+    void cleanup() { finish(); }
+
+    void parseResult_data()
+    {
+        using namespace std::string_literals;
+        const auto row =
+            table<int, std::string, std::string, Failure>("status", "body", "text", "failure");
+        row("fields", 200, "status=ok&title=a%20b+c%2B&x=", "status=ok\r\ntitle=a b c+\r\nx=\r\n",
+            none);
+        row("no value can forge a line", 200, "title=a%0Atoken%3Db%0D%0a%00c",
+            "title=a token=b   c\r\n", none);
+        row("raw line ends and NUL", 200, "title=a\nb\0c&x=1"s, "title=a b c\r\nx=1\r\n", none);
+        row("half an escape", 200, "title=100%&x=%4&y=%zz", "title=100%\r\nx=%4\r\ny=%zz\r\n",
+            none);
+        row("addresses keep their second encoding", 200,
+            "fmt_stream_map=34%7Chttp%3A%2F%2Fh%2Fs%3Fid%3D1%252C2",
+            "fmt_stream_map=34|http://h/s?id=1%2C2\r\n", none);
+        row("page", 200, R"(<html><a href="/x?a=1"></html>)", "", Failure::MalformedResponse);
+        row("no field", 200, "&&\r\n&=a", "", Failure::MalformedResponse);
+        row("empty", 200, "", "", Failure::EmptyResponse);
+        row("too large", 200, "title=" + std::string(1000, 'a'), "", Failure::ResponseTooLarge);
+        row("not found", 404, "title=a", "", Failure{404});
+        const int command = 0; // runs the body
+        row("page is the last argument", command,
+            R"(echo "title=$1"; echo; printf 'x=a\000b\r\n'; echo no field; cat)",
+            "title=http://127.0.0.1/;$(x)\r\nx=a b\r\n", none);
+        row("error status", command, "echo title=a; exit 3", "", Failure::CommandFailed);
+        row("silent", command, "echo oops >&2", "", Failure::UnusableOutput);
+        row("no fields", command, "echo hello", "", Failure::UnusableOutput);
+        row("endless", command, "yes title=a", "", Failure::UnusableOutput);
+        row("missing", command, "", "", Failure::CommandNotFound);
+    }
+
+    void parseResult()
+    {
+        QFETCH(const int, status);
+        QFETCH(const std::string, body);
+        QFETCH(const std::string, text);
+        QFETCH(const Failure, failure);
+        const bool isCommand = status == 0;
+        if (isCommand)
+            m_options.videoInfoCommand = {body.empty() ? "/no/such/command" : "sh", "-c", body,
+                                          "name"};
+        m_options.responseLimit = 1000;
+        taskengine::setOptions(m_options);
+        misbehave([&](Misbehaviour &fault) {
+            fault.answer = SiteAnswer{status, "text/plain", {}, body};
+        });
+        const std::string page = isCommand ? "http://127.0.0.1/;$(x)" : m_site->pageAddress("a");
+        QCOMPARE(ParseVideoInfo(m_log->parse("page", page)), 0);
+        if (failure != none)
+            compareFailure("page", failure);
+        else
+            compareEnd("page", DOWN_STATE_PARSE_SUCCESS, static_cast<double>(text.size()));
+        QCOMPARE(m_log->end("page").text, text);
+        QCOMPARE(m_log->events("page").first().code, DOWN_STATE_START_PARSE);
+    }
+
+    void videoInfoAddress_data()
+    {
+        const auto row = table<std::string, std::string, Failure>("page", "asked", "failure");
+        row("parameter", "/watch?x=1&v=a_b-1&v=2#c", "/get_video_info?video_id=a_b-1", none);
+        row("odd characters", "/watch?v=a%26b+c%2F", "/get_video_info?video_id=a%26b%20c%2F", none);
+        row("path", "/v/abc/?x=v", "/get_video_info?video_id=abc", none);
+        row("no video", "/watch?list=1", "", Failure::BadAddress);
+        row("empty parameter", "/watch?v=", "", Failure::BadAddress);
+        row("no address", "-o/tmp/x", "", Failure::BadAddress);
+        row("other protocol", "ftp://127.0.0.1/watch?v=a", "", Failure::ForbiddenProtocol);
+        row("local file", "file:///watch?v=a", "", Failure::ForbiddenProtocol);
+    }
+
+    void videoInfoAddress()
+    {
+        QFETCH(const std::string, page);
+        QFETCH(const std::string, asked);
+        QFETCH(const Failure, failure);
+        const std::string base = page.front() == '/' ? m_site->baseAddress() : std::string();
+        QCOMPARE(ParseVideoInfo(m_log->parse("page", base + page)), 0);
+        if (asked.empty())
+            compareFailure("page", failure);
+        else
+            QVERIFY(isTerminal(m_log->end("page").code));
+        QCOMPARE(m_site->requestCount("/"), asked.empty() ? 0U : 1U);
+        QCOMPARE(m_site->requestCount(asked), asked.empty() ? 0U : 1U);
+    }
+
+    void tooManyOpenFiles()
+    {
+        m_options.videoInfoCommand = {"echo", "title=a"};
+        taskengine::setOptions(m_options);
+        const auto request = [this](const char *page, const char *download) {
+            ParseVideoInfo(m_log->parse(page, "http://127.0.0.1/a"));
+            DownloadVideo(video(download));
+            m_log->end(page);
+            m_log->end(download);
+        };
+        request("first", "second"); // sanitizers need files for their first look at an object
+        rlimit old = {};
+        QCOMPARE(::getrlimit(RLIMIT_NOFILE, &old), 0);
+        const int lowest = ::dup(0);
+        ::close(lowest);
+        const rlimit few = {static_cast<rlim_t>(lowest), old.rlim_max};
+        QCOMPARE(::setrlimit(RLIMIT_NOFILE, &few), 0);
+        request("page", "video");
+        ::setrlimit(RLIMIT_NOFILE, &old);
+        compareFailure("page", Failure::TooManyFiles);
+        compareFailure("video", Failure::TooManyFiles);
+    }
+
+    void commandIsKilledWhenTimeIsUp()
+    {
+        const std::string note = path("/process");
+        m_options.videoInfoCommand = {"sh", "-c", "sleep 600 & echo $! > " + note + "; wait"};
+        int process = 0;
+        for (int limit = 100; process == 0; limit *= 2) { // until the program gets that far
+            m_options.commandTimeLimit = std::chrono::milliseconds(limit);
+            taskengine::setOptions(m_options);
+            const std::string key = std::to_string(limit);
+            QCOMPARE(ParseVideoInfo(m_log->parse(key, "http://127.0.0.1/a")), 0);
+            compareFailure(key, Failure::TimedOut);
+            QVERIFY(!QTest::currentTestFailed());
+            process = std::atoi(contentsOf(note).c_str());
+        }
+        const QString details = u"/proc/%1/cmdline"_s.arg(process);
+        QTRY_VERIFY_WITH_TIMEOUT(contentsOf(details.toStdString()).find("sleep") != 0, 60000);
+    }
+};
+
+QTEST_GUILESS_MAIN(VideoInfoTest)
+#include "tst_videoinfo.moc"
