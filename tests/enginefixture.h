@@ -114,6 +114,13 @@ protected:
         return record;
     }
 
+    static int send(const tagTaskInfo &record)
+    {
+        if (record.nTaskType == 0)
+            return ParseVideoInfo(record);
+        return record.nFileType == FILE_TYPE_IMAGE ? DownloadImage(record) : DownloadVideo(record);
+    }
+
     void misbehave(const Change &change, unsigned firstRequests = 0) const
     {
         Misbehaviour misbehaviour;

@@ -219,8 +219,8 @@ private slots:
             if (isImage)
                 fault.answer = SiteAnswer{200, "image/jpeg", {}, std::string(videoSize, 'x')};
         });
-        QCOMPARE(isImage ? DownloadImage(m_log->image("key", stream(), file))
-                         : DownloadVideo(m_log->video("key", stream(), file)),
+        QCOMPARE(send(isImage ? m_log->image("key", stream(), file)
+                              : m_log->video("key", stream(), file)),
                  0);
         QVERIFY(m_log->waitFor("key", held));
         QTRY_COMPARE_WITH_TIMEOUT(contentsOf(file + ".part").size(), videoSize, 60000);

@@ -79,12 +79,7 @@ private slots:
                                        : m_log->image("key", thumbnail(), path("/image.jpg"));
         record.nEngineParam2 = 5;
         record.nEngineParam3 = endlessDelay;
-        const auto send = [&] {
-            return isParse   ? ParseVideoInfo(record)
-                   : isVideo ? DownloadVideo(record)
-                             : DownloadImage(record);
-        };
-        QCOMPARE(send(), 0);
+        QCOMPARE(send(record), 0);
         const bool isRetry = what.endsWith(u"retry"_s);
         QVERIFY(m_log->waitFor("key", isRetry   ? DOWN_STATE_RETRY_DOWNLOAD
                                       : isParse ? DOWN_STATE_START_PARSE
@@ -103,7 +98,7 @@ private slots:
             QTRY_COMPARE_WITH_TIMEOUT(m_log->count("key", DOWN_STATE_USER_STOP), 2, 60000);
             compareFiles({u"image.jpg"_s});
         }
-        QCOMPARE(send(), 0);
+        QCOMPARE(send(record), 0);
     }
 
     void suspend_data() { addNames({"transfer", "retry", "command"}); }
@@ -126,19 +121,19 @@ private slots:
         misbehave([](Misbehaviour &fault) {
             fault.prefix = "/stream/small-1/34?late", fault.holdAfter = 1000;
         });
-        const auto send = [&](const std::string &key, const std::string &address) {
+        const auto begin = [&](const std::string &key, const std::string &address) {
             tagTaskInfo record = isCommand ? m_log->parse(key, "http://127.0.0.1/a")
                                            : m_log->video(key, address, path("/" + key));
             record.nEngineParam2 = what == u"retry" && key != "late" ? 2 : 1;
             record.nEngineParam3 = 1000;
-            return isCommand ? ParseVideoInfo(record) : DownloadVideo(record);
+            QCOMPARE(send(record), 0);
         };
-        QCOMPARE(send("paused", stream()), 0);
+        begin("paused", stream());
         QVERIFY(m_log->waitFor("paused", isCommand          ? DOWN_STATE_START_PARSE
                                          : what == u"retry" ? DOWN_STATE_RETRY_DOWNLOAD
                                                             : DOWN_STATE_FILE_SIZE));
         QCOMPARE(SuspendedDownload("paused"), 0);
-        QCOMPARE(send("late", stream() + "?late"), 0);
+        begin("late", stream() + "?late");
         compareFailure("late", Failure::TimedOut);
         QVERIFY(!isTerminal(m_log->events("paused").last().code));
         write(path("/go"), "");
@@ -244,14 +239,10 @@ private slots:
             QCOMPARE(DownloadInit(), 0);
             told = 0;
             for (const std::string key : {"a", "b", "c", "d", "e", "f"}) {
-                const tagTaskInfo record = m_log->video(key, stream(), path("/" + key));
-                const tagTaskInfo page = m_log->parse(key, m_site->pageAddress("small-1"));
-                const tagTaskInfo image = m_log->image(key, thumbnail(), path("/" + key));
-                const int kind = random.bounded(3);
-                QCOMPARE(kind == 0   ? DownloadVideo(record)
-                         : kind == 1 ? DownloadImage(image)
-                                     : ParseVideoInfo(page),
-                         0);
+                const tagTaskInfo records[] = {m_log->video(key, stream(), path("/" + key)),
+                                               m_log->image(key, thumbnail(), path("/" + key)),
+                                               m_log->parse(key, m_site->pageAddress("small-1"))};
+                QCOMPARE(send(records[random.bounded(3)]), 0);
                 if (random.bounded(3) == 0)
                     SuspendedDownload(key.c_str());
                 if (random.bounded(6) == 0)

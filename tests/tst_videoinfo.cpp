@@ -32,6 +32,15 @@ private slots:
         row("empty", 200, "", "", Failure::EmptyResponse);
         row("too large", 200, "title=" + std::string(1000, 'a'), "", Failure::ResponseTooLarge);
         row("not found", 404, "title=a", "", Failure{404});
+        const int command = 0; // runs the body
+        row("page is the last argument", command,
+            R"(echo "title=$1"; echo; printf 'x=a\000b\r\n'; echo no field; cat)",
+            "title=http://127.0.0.1/;$(x)\r\nx=a b\r\n", none);
+        row("error status", command, "echo title=a; exit 3", "", Failure::CommandFailed);
+        row("silent", command, "echo oops >&2", "", Failure::UnusableOutput);
+        row("no fields", command, "echo hello", "", Failure::UnusableOutput);
+        row("endless", command, "yes title=a", "", Failure::UnusableOutput);
+        row("missing", command, "", "", Failure::CommandNotFound);
     }
 
     void parseResult()
@@ -40,13 +49,22 @@ private slots:
         QFETCH(const std::string, body);
         QFETCH(const std::string, text);
         QFETCH(const Failure, failure);
+        const bool isCommand = status == 0;
+        if (isCommand)
+            m_options.videoInfoCommand = {body.empty() ? "/no/such/command" : "sh", "-c", body,
+                                          "name"};
         m_options.responseLimit = 1000;
         taskengine::setOptions(m_options);
         misbehave([&](Misbehaviour &fault) {
             fault.answer = SiteAnswer{status, "text/plain", {}, body};
         });
-        QCOMPARE(ParseVideoInfo(m_log->parse("page", m_site->pageAddress("a"))), 0);
-        compareParse(text, failure);
+        const std::string page = isCommand ? "http://127.0.0.1/;$(x)" : m_site->pageAddress("a");
+        QCOMPARE(ParseVideoInfo(m_log->parse("page", page)), 0);
+        if (failure != none)
+            compareFailure("page", failure);
+        else
+            compareEnd("page", DOWN_STATE_PARSE_SUCCESS, static_cast<double>(text.size()));
+        QCOMPARE(m_log->end("page").text, text);
         QCOMPARE(m_log->events("page").first().code, DOWN_STATE_START_PARSE);
     }
 
@@ -76,31 +94,6 @@ private slots:
             QVERIFY(isTerminal(m_log->end("page").code));
         QCOMPARE(m_site->requestCount("/"), asked.empty() ? 0U : 1U);
         QCOMPARE(m_site->requestCount(asked), asked.empty() ? 0U : 1U);
-    }
-
-    void commandResult_data()
-    {
-        const auto row = table<std::string, std::string, Failure>("script", "text", "failure");
-        row("page is the last argument",
-            R"(echo "title=$1"; echo; printf 'x=a\000b\r\n'; echo no field; cat)",
-            "title=http://127.0.0.1/;$(x)\r\nx=a b\r\n", none);
-        row("error status", "echo title=a; exit 3", "", Failure::CommandFailed);
-        row("silent", "echo oops >&2", "", Failure::UnusableOutput);
-        row("no fields", "echo hello", "", Failure::UnusableOutput);
-        row("endless", "yes title=a", "", Failure::UnusableOutput);
-        row("missing", "", "", Failure::CommandNotFound);
-    }
-
-    void commandResult()
-    {
-        QFETCH(const std::string, script);
-        QFETCH(const std::string, text);
-        QFETCH(const Failure, failure);
-        m_options.videoInfoCommand = {script.empty() ? "/no/such/command" : "sh", "-c", script,
-                                      "name"};
-        taskengine::setOptions(m_options);
-        QCOMPARE(ParseVideoInfo(m_log->parse("page", "http://127.0.0.1/;$(x)")), 0);
-        compareParse(text, failure);
     }
 
     void tooManyOpenFiles()
@@ -138,16 +131,6 @@ private slots:
         }
         const QString details = u"/proc/%1/cmdline"_s.arg(process);
         QTRY_VERIFY_WITH_TIMEOUT(contentsOf(details.toStdString()).find("sleep") != 0, 60000);
-    }
-
-private: // NOLINT(readability-redundant-access-specifiers): slots end here
-    void compareParse(const std::string &text, Failure failure) const
-    {
-        if (failure != none)
-            compareFailure("page", failure);
-        else
-            compareEnd("page", DOWN_STATE_PARSE_SUCCESS, static_cast<double>(text.size()));
-        QCOMPARE(m_log->end("page").text, text);
     }
 };
 
