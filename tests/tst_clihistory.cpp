@@ -152,6 +152,26 @@ private slots:
         QCOMPARE(files().size(), 2);
     }
 
+    void expiredAddressesAreAskedForAgain_data()
+    {
+        QTest::addColumn<int>("status");
+        QTest::addColumn<int>("code");
+        QTest::newRow("403") << 403 << 0;
+        QTest::newRow("410") << 410 << 0;
+        QTest::newRow("404") << 404 << 1;
+    }
+
+    void expiredAddressesAreAskedForAgain()
+    {
+        QFETCH(int, status);
+        Misbehaviour once;
+        once.prefix = "/stream/";
+        once.firstRequests = 1;
+        once.answer = SiteAnswer{status, "text/html", {}, "no"};
+        m_site.addMisbehaviour(once);
+        QTEST(run({u"get"_s, page("small-4")}).code, "code");
+    }
+
     // Two failed tasks remember one name, which is free again, until a user's file takes it.
     void failedWorkIsTriedAgain()
     {
@@ -253,6 +273,48 @@ private slots:
         QCOMPARE(files(), QStringList{u"a b.flv"_s});
         QCOMPARE(files("dl"), files());
         QVERIFY(listed("key").isEmpty());
+    }
+
+    // Two tasks whose keys begin alike.
+    void namesOfTasks()
+    {
+        QCOMPARE(run({u"get"_s, u"--history"_s, u"own.xml"_s, page("small-1")}).code, 0);
+        QFile history(path("own.xml"));
+        const QByteArray text = contents(history.fileName());
+        const qsizetype begin = text.indexOf("<Info>");
+        const qsizetype end = text.indexOf("</Info>") + 7;
+        QByteArray task = text.mid(begin, end - begin);
+        const qsizetype key = task.indexOf("<MD5Code>") + 9;
+        const QString full = QString::fromLatin1(task.mid(key, 32));
+        task[key + 31] = 'x';
+        QVERIFY(history.open(QIODevice::WriteOnly));
+        history.write(text.left(end) + task + text.mid(end));
+        history.close();
+        const auto show = [this](const QString &name) {
+            return run({u"show"_s, u"--history"_s, u"own.xml"_s, name});
+        };
+        const Ended both = show(full.left(31));
+        QCOMPARE(both.code, 1);
+        QVERIFY(both.error.contains(u"2 tasks have keys"_s));
+        QCOMPARE(show(full).code, 0);
+        QCOMPARE(run({u"remove"_s, u"--history"_s, u"own.xml"_s, full, page("small-1")}).code, 0);
+        QVERIFY(!contents(history.fileName()).contains("<MD5Code>" + full.toLatin1()));
+        QCOMPARE(contents(history.fileName()).count("<Info>"), 1);
+    }
+
+    // What is in the way of the new history stays there.
+    void unsavedHistories()
+    {
+        const QStringList own{u"--history"_s, u"own.xml"_s, page("small-1")};
+        QCOMPARE(run(QStringList{u"get"_s} + own).code, 0);
+        QVERIFY(QDir(m_root->path()).mkpath(u"own.xml.new/x"_s));
+        for (const QStringList &words :
+             {QStringList{u"get"_s, u"--again"_s}, {u"remove"_s, u"--delete-files"_s}}) {
+            const Ended ended = run(words + own);
+            QCOMPARE(ended.code, 1);
+            QVERIFY2(ended.error.contains(u"cannot be saved"_s), qPrintable(ended.error));
+            QCOMPARE(files(), QStringList{u"Small video 1.flv"_s});
+        }
     }
 
     void conversions()
