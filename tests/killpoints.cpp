@@ -112,10 +112,11 @@ ssize_t transfer(std::size_t size, const Piece &piece)
     return ssize_t(done);
 }
 
-void waitForSync()
+int whenSynced(int file)
 {
     static const long milliseconds = setting("KILLPOINTS_SYNC");
     std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+    return file;
 }
 
 __attribute__((destructor)) void tellCalls()
@@ -134,8 +135,16 @@ __attribute__((destructor)) void tellCalls()
 #define REAL(name)                                                                                 \
     static const auto real = reinterpret_cast<decltype(&(name))>(dlsym(RTLD_NEXT, #name))
 
-#define WRAP_OPEN(name)                                                                            \
-    int name(const char *path, int flags, ...)                                                     \
+#define WRAP(type, name, parameters, arguments, counts)                                            \
+    type name parameters                                                                           \
+    {                                                                                              \
+        REAL(name);                                                                                \
+        const Call call(counts);                                                                   \
+        return real arguments;                                                                     \
+    }
+
+#define WRAP_OPEN(name, parameters, ...)                                                           \
+    int name parameters                                                                            \
     {                                                                                              \
         REAL(name);                                                                                \
         std::va_list list;                                                                         \
@@ -143,148 +152,58 @@ __attribute__((destructor)) void tellCalls()
         const mode_t mode = va_arg(list, mode_t);                                                  \
         va_end(list);                                                                              \
         const Call call(writes(flags));                                                            \
-        return real(path, flags, mode);                                                            \
+        return real(__VA_ARGS__, flags, mode);                                                     \
     }
 
-#define WRAP_OPENAT(name)                                                                          \
-    int name(int folder, const char *path, int flags, ...)                                         \
+#define WRAP_TRANSFER(name, parameters, file, ...)                                                 \
+    ssize_t name parameters                                                                        \
     {                                                                                              \
         REAL(name);                                                                                \
-        std::va_list list;                                                                         \
-        va_start(list, flags);                                                                     \
-        const mode_t mode = va_arg(list, mode_t);                                                  \
-        va_end(list);                                                                              \
-        const Call call(writes(flags));                                                            \
-        return real(folder, path, flags, mode);                                                    \
+        const bool isFile = isWritten(file);                                                       \
+        const Call call(isFile);                                                                   \
+        const auto piece = [=](std::size_t done, std::size_t part) {                               \
+            static_cast<void>(done);                                                               \
+            return real(__VA_ARGS__);                                                              \
+        };                                                                                         \
+        return isFile ? transfer(size, piece) : piece(0, size);                                    \
     }
 
-#define WRAP_FOPEN(name)                                                                           \
-    std::FILE *name(const char *path, const char *mode)                                            \
-    {                                                                                              \
-        REAL(name);                                                                                \
-        const Call call(std::strpbrk(mode, "wa+") != nullptr);                                     \
-        return real(path, mode);                                                                   \
-    }
-
-#define WRAP_PATH(name)                                                                            \
-    int name(const char *path) noexcept                                                            \
-    {                                                                                              \
-        REAL(name);                                                                                \
-        const Call call(true);                                                                     \
-        return real(path);                                                                         \
-    }
-
-#define WRAP_PATHS(name)                                                                           \
-    int name(const char *from, const char *to) noexcept                                            \
-    {                                                                                              \
-        REAL(name);                                                                                \
-        const Call call(true);                                                                     \
-        return real(from, to);                                                                     \
-    }
-
-#define WRAP_SYNC(name)                                                                            \
-    int name(int file)                                                                             \
-    {                                                                                              \
-        REAL(name);                                                                                \
-        const Call call(true);                                                                     \
-        waitForSync();                                                                             \
-        return real(file);                                                                         \
-    }
-
-#define WRAP_PWRITE(name, offset_type)                                                             \
-    ssize_t name(int file, const void *data, size_t size, offset_type offset)                      \
-    {                                                                                              \
-        REAL(name);                                                                                \
-        const Call call(isWritten(file));                                                          \
-        return transfer(size, [=](std::size_t done, std::size_t part) {                            \
-            return real(file, static_cast<const char *>(data) + done, part,                        \
-                        offset + static_cast<offset_type>(done));                                  \
-        });                                                                                        \
-    }
-
-#define WRAP_TRUNCATE(name, offset_type)                                                           \
-    int name(int file, offset_type size) noexcept                                                  \
-    {                                                                                              \
-        REAL(name);                                                                                \
-        const Call call(true);                                                                     \
-        return real(file, size);                                                                   \
-    }
-
+// clang-format off: a line each
 extern "C" {
 
-WRAP_OPEN(open)
-WRAP_OPEN(open64)
-WRAP_OPENAT(openat)
-WRAP_OPENAT(openat64)
-WRAP_FOPEN(fopen)
-WRAP_FOPEN(fopen64)
-WRAP_PATH(unlink)
-WRAP_PATH(remove)
-WRAP_PATHS(rename)
-WRAP_PATHS(link)
-WRAP_SYNC(fsync)
-WRAP_SYNC(fdatasync)
-WRAP_PWRITE(pwrite, off_t)
-WRAP_PWRITE(pwrite64, off64_t)
-WRAP_TRUNCATE(ftruncate, off_t)
-WRAP_TRUNCATE(ftruncate64, off64_t)
-
-int renameat2(int fromFolder, const char *from, int toFolder, const char *to,
-              unsigned flags) noexcept
-{
-    REAL(renameat2);
-    const Call call(true);
-    return real(fromFolder, from, toFolder, to, flags);
-}
-
-int mkdir(const char *path, mode_t mode) noexcept
-{
-    REAL(mkdir);
-    const Call call(true);
-    return real(path, mode);
-}
-
-int close(int file)
-{
-    REAL(close);
-    const Call call(isWritten(file));
-    return real(file);
-}
-
-int fclose(std::FILE *file)
-{
-    REAL(fclose);
-    const Call call(isWritten(fileno(file)));
-    return real(file);
-}
-
-ssize_t write(int file, const void *data, size_t size)
-{
-    REAL(write);
-    const bool isFile = isWritten(file);
-    const Call call(isFile);
-    if (!isFile)
-        return real(file, data, size);
-    return transfer(size, [=](std::size_t done, std::size_t part) {
-        return real(file, static_cast<const char *>(data) + done, part);
-    });
-}
-
-ssize_t writev(int file, const iovec *parts, int count)
-{
-    REAL(writev);
-    const Call call(isWritten(file));
-    return real(file, parts, count);
-}
-
-ssize_t copy_file_range(int from, off64_t *fromOffset, int to, off64_t *toOffset, size_t size,
-                        unsigned flags)
-{
-    REAL(copy_file_range);
-    const Call call(true);
-    return transfer(size, [=](std::size_t, std::size_t part) {
-        return real(from, fromOffset, to, toOffset, part, flags);
-    });
-}
+WRAP_OPEN(open, (const char *path, int flags, ...), path)
+WRAP_OPEN(open64, (const char *path, int flags, ...), path)
+WRAP_OPEN(openat, (int folder, const char *path, int flags, ...), folder, path)
+WRAP_OPEN(openat64, (int folder, const char *path, int flags, ...), folder, path)
+WRAP(std::FILE *, fopen, (const char *path, const char *mode), (path, mode),
+     std::strpbrk(mode, "wa+"))
+WRAP(std::FILE *, fopen64, (const char *path, const char *mode), (path, mode),
+     std::strpbrk(mode, "wa+"))
+WRAP(int, close, (int file), (file), isWritten(file))
+WRAP(int, fclose, (std::FILE * file), (file), isWritten(fileno(file)))
+WRAP(int, unlink, (const char *path) noexcept, (path), true)
+WRAP(int, remove, (const char *path) noexcept, (path), true)
+WRAP(int, mkdir, (const char *path, mode_t mode) noexcept, (path, mode), true)
+WRAP(int, rename, (const char *from, const char *to) noexcept, (from, to), true)
+WRAP(int, renameat2,
+     (int fromFolder, const char *from, int toFolder, const char *to, unsigned flags) noexcept,
+     (fromFolder, from, toFolder, to, flags), true)
+WRAP(int, link, (const char *from, const char *to) noexcept, (from, to), true)
+WRAP(int, fsync, (int file), (whenSynced(file)), true)
+WRAP(int, fdatasync, (int file), (whenSynced(file)), true)
+WRAP(int, ftruncate, (int file, off_t size) noexcept, (file, size), true)
+WRAP(int, ftruncate64, (int file, off64_t size) noexcept, (file, size), true)
+WRAP(ssize_t, writev, (int file, const iovec *parts, int count), (file, parts, count),
+     isWritten(file))
+WRAP_TRANSFER(write, (int file, const void *data, size_t size), file, file,
+              static_cast<const char *>(data) + done, part)
+WRAP_TRANSFER(pwrite, (int file, const void *data, size_t size, off_t offset), file, file,
+              static_cast<const char *>(data) + done, part, offset + off_t(done))
+WRAP_TRANSFER(pwrite64, (int file, const void *data, size_t size, off64_t offset), file, file,
+              static_cast<const char *>(data) + done, part, offset + off64_t(done))
+WRAP_TRANSFER(copy_file_range,
+              (int from, off64_t *fromOffset, int to, off64_t *toOffset, size_t size,
+               unsigned flags),
+              to, from, fromOffset, to, toOffset, part, flags)
 
 } // extern "C"
