@@ -64,14 +64,16 @@ private slots:
             record->fmt_list = u"18/640x360"_s;
             record->fmt_stream_map = u"18|http://s/18"_s;
         }
+        port.controller().m_ImageWaitList = QStringList{key + u"11"_s}; // somebody else's
         QTEST(port.downloadThumbnail(key), "answer");
         occupy(atEngine);
         QTEST(port.download(key, folder.path(), true), "answer");
         port.forget(key);
         const ControllerLock lock;
         const CDown &down = port.controller();
-        QVERIFY(down.m_ParseWaitList.isEmpty() && down.m_ImageWaitList.isEmpty() &&
-                down.m_DownloadWaitList.isEmpty() && m_ReDownLoadList.isEmpty());
+        QVERIFY(down.m_ParseWaitList.isEmpty() && down.m_DownloadWaitList.isEmpty() &&
+                m_ReDownLoadList.isEmpty());
+        QCOMPARE(down.m_ImageWaitList, QStringList{key + u"11"_s});
         QTEST(u"%1 %2"_s.arg(down.m_nParseFree).arg(down.m_nDownFree), "free");
     }
 

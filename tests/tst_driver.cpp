@@ -495,50 +495,6 @@ private slots:
         QCOMPARE(f.controllerState().left(3), u"3 2"_s);
     }
 
-    // What the engine's list had no room for leaves the waiting lists, and nothing else does.
-    void unsentThumbnailsDoNotWait()
-    {
-        DriverFixture f;
-        const QString key = f.add(f.url(1));
-        f.turn();
-        const auto occupy = [&f](const QStringList &keys, int parseFree) {
-            const ControllerLock lock;
-            m_DownloadAllTask = keys;
-            f.driver->controller().m_nParseFree = parseFree;
-        };
-        f.engine.sendResponse(key, TaskFixture::response(1));
-        occupy({}, 0);
-        f.driver->controller().m_ImageWaitList = QStringList{key + u"11"_s};
-        f.turn();
-        const ControllerLock lock;
-        QCOMPARE(f.driver->controller().m_ImageWaitList, QStringList{key + u"11"_s});
-    }
-
-    void nothingSentIsAFailure()
-    {
-        DriverFixture f;
-        const auto occupy = [](int requests) {
-            const ControllerLock lock;
-            m_DownloadAllTask = QStringList(requests, u"somebody else's"_s);
-        };
-        occupy(maxVideoLimit + 3);
-        f.add(f.url(1));
-        f.turn();
-        QCOMPARE(f.results.size(), 1);
-        occupy(0);
-        const QString key = f.add(f.url(2));
-        f.turn();
-        f.engine.sendResponse(key, TaskFixture::response(2));
-        occupy(maxVideoLimit + 3);
-        f.turn();
-        QCOMPARE(f.results.size(), 2);
-        for (const DownloadResult &result : std::as_const(f.results))
-            QCOMPARE(result.outcome, DownloadOutcome::Failed);
-        QCOMPARE(f.idleCount, 2);
-        occupy(0);
-        QCOMPARE(f.controllerState(), u"3 2 0 0"_s);
-    }
-
     void answersFromInsideTheRequest()
     {
         DriverFixture f;
