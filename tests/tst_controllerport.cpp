@@ -73,7 +73,8 @@ private slots:
         const CDown &down = port.controller();
         QVERIFY(down.m_ParseWaitList.isEmpty() && down.m_DownloadWaitList.isEmpty() &&
                 m_ReDownLoadList.isEmpty());
-        QCOMPARE(down.m_ImageWaitList, QStringList{key + u"11"_s});
+        if (!answersAtOnce) // an end starts what waits
+            QCOMPARE(down.m_ImageWaitList, QStringList{key + u"11"_s});
         QTEST(u"%1 %2"_s.arg(down.m_nParseFree).arg(down.m_nDownFree), "free");
     }
 
