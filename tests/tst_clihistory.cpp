@@ -297,7 +297,10 @@ private slots:
         QCOMPARE(both.code, 1);
         QVERIFY(both.error.contains(u"2 tasks have keys"_s));
         QCOMPARE(show(full).code, 0);
-        QCOMPARE(run({u"remove"_s, u"--history"_s, u"own.xml"_s, full, page("small-1")}).code, 0);
+        QCOMPARE(run({u"remove"_s, u"--delete-files"_s, u"--history"_s, u"own.xml"_s, full,
+                      page("small-1")})
+                     .code,
+                 0);
         QVERIFY(!contents(history.fileName()).contains("<MD5Code>" + full.toLatin1()));
         QCOMPARE(contents(history.fileName()).count("<Info>"), 1);
     }

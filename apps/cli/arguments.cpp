@@ -111,11 +111,9 @@ Read<QStringList> listFile(const QString &name)
     QFile file;
     if (!open(file, name))
         return unreadable(file, name);
-    QString text = QString::fromUtf8(file.readAll());
+    const QString text = QString::fromUtf8(file.readAll()); // passes over a byte order mark
     if (file.error() != QFileDevice::NoError)
         return unreadable(file, name);
-    if (text.startsWith(QChar::ByteOrderMark))
-        text.remove(0, 1);
     QStringList addresses;
     for (const QString &line : text.split(u'\n')) {
         const QString address = line.trimmed();
