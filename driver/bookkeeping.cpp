@@ -8,6 +8,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 namespace {
@@ -76,6 +77,28 @@ void Dispatcher::setState(const Task &task, TaskState state)
         return;
     record->State = int(state);
     m_changed.insert(task.key);
+}
+
+// A task of the list is not parsed for an inspection, which would cost it its record.
+bool Dispatcher::answerFromRecord(Task &task)
+{
+    const ControllerLock lock;
+    const CXMLInfo *record = controller().getXMLInfo(task.key);
+    if (record == nullptr)
+        return false;
+    task.progress.title = record->Title;
+    task.offer = VideoOffer(record->fmt_list, record->fmt_stream_map);
+    return true;
+}
+
+void Dispatcher::dropInspected(const Task &task)
+{
+    const ControllerLock lock;
+    std::unique_ptr<CXMLInfo> record(controller().getXMLInfo(task.key));
+    if (record && taskrecord::stateOf(*record) == TaskState::None)
+        controller().remove(task.key, false);
+    else
+        static_cast<void>(record.release()); // the list's
 }
 
 void Dispatcher::noteEnd(const Task &task, DownloadOutcome outcome)

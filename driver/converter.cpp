@@ -52,16 +52,32 @@ void Converter::add(const Conversion &conversion)
         startNext();
 }
 
-void Converter::stopAll()
+void Converter::stop(const QString &key)
 {
-    for (const Conversion &conversion : std::exchange(m_waiting, {})) {
+    if (m_process && m_current.result.key == key)
+        endCurrent();
+    for (const Conversion &conversion : QList<Conversion>(m_waiting)) {
+        if (conversion.result.key != key)
+            continue;
+        m_waiting.removeIf([&key](const Conversion &each) { return each.result.key == key; });
         DownloadResult result = conversion.result;
         result.outcome = DownloadOutcome::Stopped;
         emit ended(result);
     }
-    m_stopping = m_process != nullptr;
+}
+
+void Converter::stopAll()
+{
+    for (const Conversion &conversion : QList<Conversion>(m_waiting))
+        stop(conversion.result.key);
     if (m_process)
-        m_process->kill();
+        endCurrent();
+}
+
+void Converter::endCurrent()
+{
+    m_stopping = true;
+    m_process->kill();
 }
 
 void Converter::startNext()

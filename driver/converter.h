@@ -40,6 +40,8 @@ public:
     static bool isAvailable();
 
     void add(const Conversion &conversion);
+    /** Ends the conversion of this task, if there is one, as stopped. */
+    void stop(const QString &key);
     /** Ends all conversions as stopped. */
     void stopAll();
     bool isIdle() const { return !m_process && m_waiting.isEmpty(); }
@@ -54,6 +56,7 @@ signals:
 
 private:
     void startNext();
+    void endCurrent();
     QStringList arguments() const;
     void readProgress();
     void processEnded(bool succeeded);

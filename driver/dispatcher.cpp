@@ -66,7 +66,12 @@ QString Dispatcher::add(const DownloadRequest &request)
         return task.key;
     task.request = filledIn(request, m_settings.downloadFolder);
     task.progress.key = task.key;
-    task.stage = addressProblem(request.address) ? Stage::Unfit : enlist(task);
+    if (addressProblem(request.address))
+        task.stage = Stage::Unfit;
+    else if (request.inspectOnly && answerFromRecord(task))
+        task.stage = Stage::Present;
+    else
+        task.stage = enlist(task);
     m_tasks.add(task);
     if (task.stage == Stage::Copying)
         startCopy(task.key);

@@ -82,6 +82,8 @@ private:
     Stage enlist(const Task &task);
     void startCopy(const QString &key);
     void setState(const Task &task, TaskState state);
+    bool answerFromRecord(Task &task);
+    void dropInspected(const Task &task);
     void noteEnd(const Task &task, DownloadOutcome outcome);
     void settleIfAtRest(const QString &key);
 

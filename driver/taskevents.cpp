@@ -229,9 +229,20 @@ void Dispatcher::endPresent(Task &task)
         if (const CXMLInfo *record = controller().getXMLInfo(task.key)) {
             task.progress.title = record->Title;
             result.path = taskrecord::outputPath(*record);
+            result.seconds = record->Duration;
         }
     }
-    end(task, result);
+    if (!task.request.inspectOnly) {
+        end(task, result);
+    } else if (task.offer.formats().isEmpty()) {
+        endFailed(task, {QStringLiteral("the video is in the list, but the site has not yet said "
+                                        "what it offers"),
+                         {}});
+    } else {
+        result.offer = task.offer;
+        result.path.clear();
+        end(task, result);
+    }
 }
 
 void Dispatcher::endFailed(Task &task, const FailureReason &reason)
@@ -262,6 +273,8 @@ void Dispatcher::end(Task &task, DownloadResult result)
         releaseName(ended);
         dropThumbnail(ended.key);
     }
+    if (ended.request.inspectOnly)
+        dropInspected(ended);
     noteEnd(ended, result.outcome);
     endUpgrade(ended, result);
     tell([this, result] { emit m_driver.ended(result); });

@@ -15,6 +15,21 @@ void tell(const QString &message)
     standardstreams::writeMessage(QStringLiteral("videodown: ") + message);
 }
 
+bool tellOpened(const QString &problem, const HistoryKeeper &keeper)
+{
+    if (!problem.isEmpty())
+        tell(problem);
+    else if (!keeper.setAsidePath().isEmpty())
+        tell(QStringLiteral("the history was damaged; what could be read of it was kept, and the "
+                            "damaged file is now %1")
+                 .arg(keeper.setAsidePath()));
+    if (!keeper.setAsideJournal().isEmpty())
+        tell(QStringLiteral("the journal beside the history belongs to another history; it is now "
+                            "%1")
+                 .arg(keeper.setAsideJournal()));
+    return problem.isEmpty();
+}
+
 QStringList keysBeginningWith(CDown &controller, const QString &text)
 {
     const ControllerLock lock;
@@ -60,26 +75,28 @@ QString pathFor(const CommandLine &line)
 
 bool open(HistoryKeeper &keeper)
 {
-    const QString problem = keeper.open();
+    return tellOpened(keeper.open(), keeper);
+}
+
+bool open(DownloadSession &session, const QString &path)
+{
+    const QString problem = session.open(path);
+    if (session.keeper() != nullptr)
+        return tellOpened(problem, *session.keeper());
+    tell(problem);
+    return false;
+}
+
+bool tellProblem(const QString &problem)
+{
     if (!problem.isEmpty())
-        tell(problem);
-    else if (!keeper.setAsidePath().isEmpty())
-        tell(QStringLiteral("the history was damaged; what could be read of it goes on, and the "
-                            "damaged file is kept as %1")
-                 .arg(keeper.setAsidePath()));
-    if (!keeper.setAsideJournal().isEmpty())
-        tell(QStringLiteral("the journal beside the history belongs to another history; it is kept "
-                            "as %1")
-                 .arg(keeper.setAsideJournal()));
+        tell(QStringLiteral("the history cannot be saved: ") + problem);
     return problem.isEmpty();
 }
 
 bool save(HistoryKeeper &keeper)
 {
-    const QString problem = keeper.save();
-    if (!problem.isEmpty())
-        tell(QStringLiteral("the history cannot be saved: ") + problem);
-    return problem.isEmpty();
+    return tellProblem(keeper.save());
 }
 
 std::optional<QStringList> keysOf(CDown &controller, const QStringList &names)

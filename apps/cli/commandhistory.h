@@ -3,7 +3,7 @@
 #define VIDEODOWN_CLI_COMMANDHISTORY_H
 
 #include "commandline.h"
-#include "driver/historykeeper.h"
+#include "driver/downloadsession.h"
 
 #include <optional>
 
@@ -17,6 +17,11 @@ QString pathFor(const CommandLine &line);
 
 /** Takes the history into use. @return whether that worked */
 bool open(HistoryKeeper &keeper);
+/** The same for a session. */
+bool open(DownloadSession &session, const QString &path);
+
+/** @return whether `problem`, a reason why the history cannot be saved, is empty */
+bool tellProblem(const QString &problem);
 
 /** Writes the history. @return whether that worked */
 bool save(HistoryKeeper &keeper);

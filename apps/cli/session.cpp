@@ -1,7 +1,6 @@
 #include "session.h"
 
 #include "commandhistory.h"
-#include "driver/conversions.h"
 #include "driver/resulttext.h"
 #include "standardstreams.h"
 #include "taskengine/failure.h"
@@ -50,68 +49,41 @@ DownloadDriver::Settings settingsFor(const CommandLine &line, const QString &dow
 Session::Session(const CommandLine &line, const QString &downloadFolder)
     : m_line(line),
       m_view(makeProgressView(line.quiet ? ProgressMode::Never : line.progress)),
-      m_driver(settingsFor(line, downloadFolder))
+      m_session(settingsFor(line, downloadFolder))
 {
     configureEngine(line);
     connect(&m_signals, &SignalWatch::interrupted, this, &Session::interrupt);
     follow();
-    followConversions();
-}
-
-Session::~Session()
-{
-    m_driver.setKeeper(nullptr);
 }
 
 void Session::follow()
 {
-    connect(&m_driver, &DownloadDriver::started, this, [this](const QString &key) {
+    connect(&driver(), &DownloadDriver::started, this, [this](const QString &key) {
         const ControllerLock lock;
-        if (CXMLInfo *record = m_driver.controller().getXMLInfo(key))
+        if (CXMLInfo *record = m_session.controller().getXMLInfo(key))
             m_view->started(key, CDown::getOrgWebSite(record));
     });
-    connect(&m_driver, &DownloadDriver::described, this,
+    connect(&driver(), &DownloadDriver::described, this,
             [this](const QString &key, const QString &title) {
                 if (!title.isEmpty())
                     m_view->renamed(key, title);
             });
-    connect(&m_driver, &DownloadDriver::progressed, this,
-            [this](const DownloadProgress &progress) { m_view->progressed(progress); });
-    connect(&m_driver, &DownloadDriver::retrying, this,
+    connect(&driver(), &DownloadDriver::retrying, this,
             [this](const QString &key, int attempt) { m_view->retrying(key, attempt); });
-    connect(&m_driver, &DownloadDriver::ended, this, &Session::settle);
-}
-
-void Session::followConversions()
-{
-    connect(&m_converter, &Converter::started, this,
-            [this](const DownloadResult &result) { m_view->converting(result.key, result.title); });
-    connect(&m_converter, &Converter::progressed, this,
+    connect(&m_session, &DownloadSession::progressed, this,
             [this](const DownloadProgress &progress) { m_view->progressed(progress); });
-    connect(&m_converter, &Converter::ended, this, [this](const DownloadResult &result) {
-        conversions::note(m_driver.controller(), result);
-        m_keeper->commit({result.key});
-        m_keeper->settle(result.key);
-        count(result);
-        emit settled(result);
+    connect(&m_session, &DownloadSession::converting, this, [this](const DownloadResult &result) {
+        m_view->ended(result.key);
+        m_view->converting(result.key, result.title);
+    });
+    connect(&m_session, &DownloadSession::ended, this, &Session::settle);
+    connect(&m_session, &DownloadSession::saveFailed, this, [this](const QString &reason) {
+        m_view->say(QStringLiteral("videodown: the history cannot be saved: ") + reason);
     });
 }
 
-void Session::settle(DownloadResult result)
+void Session::settle(const DownloadResult &result)
 {
-    if (m_line.convert) {
-        const auto conversion = conversions::pending(m_driver.controller(), result, m_line.profile);
-        if (conversion && m_status.signal == 0) {
-            m_view->ended(result.key);
-            m_keeper->commit({result.key});
-            m_converter.add(*conversion);
-            return;
-        }
-        if (conversion) { // interrupted in the meantime
-            result.outcome = DownloadOutcome::Stopped;
-            conversions::note(m_driver.controller(), result);
-        }
-    }
     count(result);
     emit settled(result);
 }
@@ -126,32 +98,23 @@ bool Session::canConvert()
 
 bool Session::openHistory()
 {
-    m_keeper = std::make_unique<HistoryKeeper>(
-        m_driver.controller(), commandhistory::pathFor(m_line), commandhistory::unfinishedFiles);
-    connect(m_keeper.get(), &HistoryKeeper::saveFailed, this, [this](const QString &reason) {
-        m_view->say(QStringLiteral("videodown: the history cannot be saved: ") + reason);
-    });
-    if (!commandhistory::open(*m_keeper))
-        return false;
-    m_driver.setKeeper(m_keeper.get());
-    return true;
+    return commandhistory::open(m_session, commandhistory::pathFor(m_line));
 }
 
 ExitStatus Session::run(const QList<DownloadRequest> &requests)
 {
     if (requests.isEmpty())
         return m_status;
-    for (const DownloadRequest &request : requests)
-        m_driver.add(request);
+    for (const DownloadRequest &request : requests) {
+        if (m_line.convert)
+            m_session.addAndConvert(request, m_line.profile);
+        else
+            m_session.add(request);
+    }
     QEventLoop loop;
-    const auto quitWhenDone = [&] {
-        if (m_driver.isIdle() && m_converter.isIdle())
-            loop.quit();
-    };
-    connect(&m_driver, &DownloadDriver::idle, &loop, quitWhenDone);
-    connect(&m_converter, &Converter::idle, &loop, quitWhenDone);
+    connect(&m_session, &DownloadSession::idle, &loop, &QEventLoop::quit);
     loop.exec();
-    const bool saved = !m_keeper || commandhistory::save(*m_keeper);
+    const bool saved = commandhistory::tellProblem(m_session.save());
     if (!m_line.quiet && m_line.command != Command::Formats)
         tellSummary();
     if (m_failed + m_stopped > 0 || m_outputBroken || !saved)
@@ -201,6 +164,5 @@ void Session::interrupt(int number)
     m_status.signal = number;
     if (number == SIGINT || number == SIGTERM)
         m_view->say(QStringLiteral("stopping; press Ctrl-C again to quit now"));
-    m_driver.stopAll();
-    m_converter.stopAll();
+    m_session.stopAll();
 }

@@ -1,11 +1,9 @@
-/** A driver with all that the commands need around it. */
+/** A download session with all that the commands need around it. */
 #ifndef VIDEODOWN_CLI_SESSION_H
 #define VIDEODOWN_CLI_SESSION_H
 
 #include "commandline.h"
-#include "driver/converter.h"
-#include "driver/downloaddriver.h"
-#include "driver/historykeeper.h"
+#include "driver/downloadsession.h"
 #include "exitstatus.h"
 #include "signalwatch.h"
 
@@ -19,9 +17,8 @@ class Session : public QObject
 public:
     /** @param downloadFolder absolute path of a folder that exists */
     Session(const CommandLine &line, const QString &downloadFolder);
-    ~Session() override;
 
-    DownloadDriver &driver() { return m_driver; }
+    DownloadDriver &driver() { return m_session.driver(); }
     ProgressView &view() { return *m_view; }
 
     /** Loads the history, and keeps it from now on. @return whether that worked; told if not */
@@ -46,8 +43,7 @@ signals:
 
 private:
     void follow();
-    void followConversions();
-    void settle(DownloadResult result);
+    void settle(const DownloadResult &result);
     void count(const DownloadResult &result);
     void tellSummary();
     void interrupt(int number);
@@ -55,9 +51,7 @@ private:
     const CommandLine m_line;
     SignalWatch m_signals;
     std::unique_ptr<ProgressView> m_view;
-    DownloadDriver m_driver;
-    Converter m_converter;
-    std::unique_ptr<HistoryKeeper> m_keeper; // none while no history is open
+    DownloadSession m_session;
     ExitStatus m_status;
     int m_finished = 0;
     int m_failed = 0;
