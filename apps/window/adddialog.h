@@ -8,6 +8,8 @@
 
 #include <memory>
 
+class QTreeWidgetItem;
+
 /**
  * For one address, the user can have the site asked first: the dialog emits `inspectRequested`, and
  * shows what `showInspection` brings. For several, the choice holds for all of them.
@@ -38,6 +40,12 @@ signals:
     void inspectRequested(const QString &address);
 
 private:
+    void makeWidgets();
+    void check();
+    void ask();
+    void markChoice();
+    void choose(QTreeWidgetItem *item);
+
     struct Widgets;
     std::unique_ptr<Widgets> m_widgets;
     Settings m_settings;

@@ -6,6 +6,8 @@
 #include <QObject>
 #include <QStringList>
 
+class QLocalSocket;
+
 /** Threads: belongs to the window's thread. */
 class InstanceLink : public QObject
 {
@@ -25,6 +27,9 @@ signals:
     void received(const QStringList &addresses);
 
 private:
+    void accept();
+    void read(QLocalSocket &socket);
+
     const QString m_name;
     QLocalServer m_server;
 };

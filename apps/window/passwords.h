@@ -26,6 +26,8 @@ signals:
     void failed(const QString &reason);
 
 private:
+    void refuse(const QString &reason);
+
     bool m_available = true;
 };
 

@@ -1,0 +1,88 @@
+// The program videodown-window: videodown-window [--history FILE] [ADDRESS...]
+#include "instancelink.h"
+#include "mainwindow.h"
+
+#include "strutil/narrowtext.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QCryptographicHash>
+#include <QDir>
+#include <QLibraryInfo>
+#include <QStandardPaths>
+#include <QTranslator>
+
+#include <unistd.h>
+
+namespace {
+
+QString historyPath(const QString &given)
+{
+    if (!given.isEmpty())
+        return QDir::current().absoluteFilePath(given);
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+           QLatin1String("/videodown/history.xml");
+}
+
+// One first instance for each user and history.
+QString instanceName(const QString &history)
+{
+    const QByteArray hash =
+        QCryptographicHash::hash(history.toUtf8(), QCryptographicHash::Sha1).toHex().left(16);
+    return QStringLiteral("videodown-%1-%2").arg(getuid()).arg(QLatin1String(hash));
+}
+
+void translate(QApplication &application)
+{
+    auto *own = new QTranslator(&application);
+    if (own->load(QLocale(), QStringLiteral("videodown-window"), QStringLiteral("_"),
+                  QStringLiteral(":/i18n")))
+        QApplication::installTranslator(own);
+    auto *qt = new QTranslator(&application);
+    if (qt->load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
+                 QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(qt);
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("videodown"));
+    QApplication::setApplicationVersion(QStringLiteral(VIDEODOWN_VERSION));
+    QApplication::setDesktopFileName(QStringLiteral("videodown-window"));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/videodown.svg")));
+    narrowtext::setCodec(narrowtext::Codec::Utf8);
+    translate(application);
+
+    QCommandLineParser parser;
+    parser.addHelpOption();
+    parser.addVersionOption();
+    const QCommandLineOption history(QStringLiteral("history"),
+                                     QCoreApplication::translate("main", "The history file."),
+                                     QStringLiteral("file"));
+    parser.addOption(history);
+    parser.addPositionalArgument(
+        QStringLiteral("ADDRESS"),
+        QCoreApplication::translate("main", "The address of a video page."),
+        QStringLiteral("[ADDRESS...]"));
+    parser.process(application);
+
+    const QString path = historyPath(parser.value(history));
+    InstanceLink link(instanceName(path));
+    if (link.sendToFirst(parser.positionalArguments()))
+        return 0;
+    link.listen();
+    MainWindow window(path);
+    QObject::connect(&link, &InstanceLink::received, &window, [&](const QStringList &addresses) {
+        window.addAddresses(addresses);
+        window.raiseWindow();
+    });
+    QObject::connect(&window, &MainWindow::opened, &window,
+                     [&] { window.addAddresses(parser.positionalArguments()); });
+    QObject::connect(&window, &MainWindow::closed, &application, &QCoreApplication::quit);
+    window.start();
+    window.show();
+    return QApplication::exec();
+}

@@ -1,0 +1,300 @@
+#include "mainwindow.h"
+
+#include "adddialog.h"
+#include "detailspane.h"
+#include "progressdelegate.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QDockWidget>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QStatusBar>
+#include <QStyle>
+#include <QToolBar>
+#include <QTreeView>
+
+namespace {
+
+constexpr QSize thumbnailSize{64, 36};
+
+QIcon iconNamed(const QString &name, QStyle::StandardPixmap otherwise)
+{
+    return QIcon::fromTheme(name, QApplication::style()->standardIcon(otherwise));
+}
+
+} // namespace
+
+MainWindow::MainWindow(const QString &historyPath, QWidget *parent)
+    : QMainWindow(parent),
+      m_stored(QStringLiteral("videodown"), QStringLiteral("window")),
+      m_settings(Settings::load(m_stored)),
+      m_thumbnails(thumbnailSize),
+      m_model(&m_thumbnails),
+      m_worker(new Worker(m_settings, historyPath))
+{
+    qRegisterMetaType<OpenedHistory>();
+    qRegisterMetaType<DownloadTotals>();
+    qRegisterMetaType<DownloadResult>();
+    m_filter.setSourceModel(&m_model);
+    setWindowTitle(tr("Videodown"));
+    setAcceptDrops(true);
+    makeView();
+    makeDetails();
+    makeActions();
+    makeFilter();
+    makeTray();
+    statusBar()->addWidget(&m_state, 1);
+    statusBar()->addPermanentWidget(&m_totals);
+    m_worker->moveToThread(&m_thread);
+    connect(&m_thread, &QThread::finished, m_worker, &QObject::deleteLater);
+    connectWorker();
+    restoreLook();
+    updateActions();
+}
+
+MainWindow::~MainWindow()
+{
+    m_thread.quit();
+    m_thread.wait();
+}
+
+void MainWindow::start()
+{
+    m_thread.start();
+    connect(&m_passwords, &Passwords::found, this,
+            [this](const QString & /*account*/, const QString &password) {
+                m_settings.proxy.password = password;
+                tellWorker([worker = m_worker, settings = m_settings] {
+                    worker->applySettings(settings);
+                });
+            });
+    connect(&m_passwords, &Passwords::failed, this, [this] {
+        statusBar()->showMessage(tr("There is no keyring: the password of the proxy is kept until "
+                                    "the program ends."));
+    });
+    if (!m_settings.proxy.user.isEmpty())
+        m_passwords.read(m_settings.proxy.user + u'@' + m_settings.proxy.host);
+    tellWorker([worker = m_worker] { worker->open(); });
+}
+
+void MainWindow::makeView()
+{
+    m_view = new QTreeView(this);
+    m_view->setModel(&m_filter);
+    m_view->setRootIsDecorated(false);
+    m_view->setUniformRowHeights(true);
+    m_view->setAlternatingRowColors(true);
+    m_view->setAllColumnsShowFocus(true);
+    m_view->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_view->setSortingEnabled(true);
+    m_view->sortByColumn(TaskModel::Added, Qt::DescendingOrder);
+    m_view->setIconSize(thumbnailSize);
+    m_view->setItemDelegateForColumn(TaskModel::Progress, new ProgressDelegate(m_view));
+    m_view->setContextMenuPolicy(Qt::ActionsContextMenu);
+    m_view->setAccessibleName(tr("Videos"));
+    m_view->header()->setStretchLastSection(false);
+    m_view->header()->setSectionResizeMode(TaskModel::Title, QHeaderView::Stretch);
+    const int unit = fontMetrics().averageCharWidth();
+    const int widths[] = {0, 22, 14, 11, 12, 10, 18};
+    for (int column = TaskModel::State; column < TaskModel::ColumnCount; ++column)
+        m_view->setColumnWidth(column, widths[column] * unit);
+    setCentralWidget(m_view);
+    connect(m_view->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &MainWindow::selectionChanged);
+    connect(m_view, &QTreeView::activated, this, &MainWindow::openFile);
+    connect(&m_model, &QAbstractItemModel::dataChanged, this, &MainWindow::updateActions);
+    connect(&m_model, &QAbstractItemModel::rowsRemoved, this, &MainWindow::updateActions);
+}
+
+void MainWindow::makeDetails()
+{
+    auto *dock = new QDockWidget(tr("Details"), this);
+    dock->setObjectName(QStringLiteral("details"));
+    m_details = new DetailsPane(dock);
+    m_details->showNothing(0);
+    dock->setWidget(m_details);
+    addDockWidget(Qt::BottomDockWidgetArea, dock);
+    QAction *toggle = dock->toggleViewAction();
+    toggle->setShortcut(QKeySequence(Qt::Key_F9));
+    menuBar()->addMenu(tr("&View"))->addAction(toggle);
+}
+
+QAction *MainWindow::addAction(const QString &text, const QString &icon, const QKeySequence &keys,
+                               Step step)
+{
+    auto *action = new QAction(QIcon::fromTheme(icon), text, this);
+    action->setShortcut(keys);
+    connect(action, &QAction::triggered, this, step);
+    QMainWindow::addAction(action);
+    return action;
+}
+
+QAction *MainWindow::addTaskAction(TaskAction action, const QString &text, const QString &icon,
+                                   const QKeySequence &keys, Step step)
+{
+    auto *made = new QAction(QIcon::fromTheme(icon), text, this);
+    made->setShortcut(keys);
+    connect(made, &QAction::triggered, this, [this, action, step] {
+        if (step != nullptr)
+            (this->*step)();
+        else
+            perform(action);
+    });
+    m_actions.insert(int(action), made);
+    m_plainToolTips.insert(int(action), made->toolTip());
+    return made;
+}
+
+void MainWindow::makeActions()
+{
+    m_addAction = addAction(tr("&Add…"), QStringLiteral("list-add"), QKeySequence::New,
+                            &MainWindow::showAddDialog);
+    m_addAction->setIcon(iconNamed(QStringLiteral("list-add"), QStyle::SP_FileDialogNewFolder));
+    QAction *pasteAction = addAction(tr("&Paste addresses"), QStringLiteral("edit-paste"),
+                                     QKeySequence::Paste, &MainWindow::paste);
+    QAction *settings =
+        addAction(tr("&Settings…"), QStringLiteral("configure"),
+                  QKeySequence(Qt::CTRL | Qt::Key_Comma), &MainWindow::showSettings);
+    auto *quit =
+        new QAction(QIcon::fromTheme(QStringLiteral("application-exit")), tr("&Quit"), this);
+    quit->setShortcut(QKeySequence::Quit);
+    connect(quit, &QAction::triggered, this, &QWidget::close);
+
+    using A = TaskAction;
+    QAction *pause = addTaskAction(A::Pause, tr("&Pause"), QStringLiteral("media-playback-pause"),
+                                   QKeySequence(Qt::CTRL | Qt::Key_P));
+    pause->setIcon(iconNamed(QStringLiteral("media-playback-pause"), QStyle::SP_MediaPause));
+    QAction *go =
+        addTaskAction(A::Continue, tr("C&ontinue"), QStringLiteral("media-playback-start"),
+                      QKeySequence(Qt::CTRL | Qt::Key_G));
+    go->setIcon(iconNamed(QStringLiteral("media-playback-start"), QStyle::SP_MediaPlay));
+    QAction *stop = addTaskAction(A::Stop, tr("&Stop"), QStringLiteral("media-playback-stop"),
+                                  QKeySequence(Qt::CTRL | Qt::Key_S));
+    stop->setIcon(iconNamed(QStringLiteral("media-playback-stop"), QStyle::SP_MediaStop));
+    QAction *resume = addTaskAction(A::Resume, tr("&Resume"), QStringLiteral("go-next"),
+                                    QKeySequence(Qt::CTRL | Qt::Key_R));
+    resume->setIcon(iconNamed(QStringLiteral("go-next"), QStyle::SP_MediaSkipForward));
+    QAction *retry = addTaskAction(A::Retry, tr("&Try again"), QStringLiteral("view-refresh"),
+                                   QKeySequence(Qt::Key_F5));
+    retry->setIcon(iconNamed(QStringLiteral("view-refresh"), QStyle::SP_BrowserReload));
+    m_moveUp = addAction(tr("Move &up"), QStringLiteral("go-up"),
+                         QKeySequence(Qt::ALT | Qt::Key_Up), &MainWindow::moveUp);
+    m_moveDown = addAction(tr("Move &down"), QStringLiteral("go-down"),
+                           QKeySequence(Qt::ALT | Qt::Key_Down), &MainWindow::moveDown);
+    QAction *open = addTaskAction(A::Open, tr("&Open file"), QStringLiteral("document-open"),
+                                  QKeySequence(Qt::CTRL | Qt::Key_O), &MainWindow::openFile);
+    open->setIcon(iconNamed(QStringLiteral("document-open"), QStyle::SP_DialogOpenButton));
+    QAction *folder =
+        addAction(tr("Open &folder"), QStringLiteral("folder-open"),
+                  QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O), &MainWindow::openFolder);
+    QAction *copy = addAction(tr("&Copy address"), QStringLiteral("edit-copy"), QKeySequence::Copy,
+                              &MainWindow::copyAddresses);
+    QAction *rename = addTaskAction(A::Rename, tr("Re&name…"), QStringLiteral("edit-rename"),
+                                    QKeySequence(Qt::Key_F2), &MainWindow::renameTask);
+    QAction *upgrade = addTaskAction(A::Upgrade, tr("&Larger picture…"), QStringLiteral("zoom-in"),
+                                     QKeySequence(Qt::CTRL | Qt::Key_L), &MainWindow::upgradeTasks);
+    m_convertAction = addAction(tr("Con&vert…"), QStringLiteral("system-run"),
+                                QKeySequence(Qt::CTRL | Qt::Key_T), &MainWindow::convertTasks);
+    QAction *remove =
+        addTaskAction(A::Remove, tr("Re&move from list"), QStringLiteral("list-remove"),
+                      QKeySequence::Delete, &MainWindow::removeTasks);
+    remove->setIcon(iconNamed(QStringLiteral("list-remove"), QStyle::SP_DialogCloseButton));
+    m_deleteAction = addAction(tr("&Delete files…"), QStringLiteral("edit-delete"),
+                               QKeySequence(Qt::SHIFT | Qt::Key_Delete), &MainWindow::deleteTasks);
+    m_deleteAction->setIcon(iconNamed(QStringLiteral("edit-delete"), QStyle::SP_TrashIcon));
+    m_selectionActions = {folder, copy};
+
+    QMenu *file = new QMenu(tr("&File"), this);
+    file->addActions({m_addAction, pasteAction});
+    file->addSeparator();
+    file->addActions({settings, quit});
+    auto *task = new QMenu(tr("&Video"), this);
+    task->addActions({pause, go, stop, resume, retry, m_moveUp, m_moveDown});
+    task->addSeparator();
+    task->addActions({open, folder, copy, rename, upgrade, m_convertAction});
+    task->addSeparator();
+    task->addActions({remove, m_deleteAction});
+    QAction *view = menuBar()->actions().first();
+    menuBar()->insertMenu(view, file);
+    menuBar()->insertMenu(view, task);
+    m_view->addActions(task->actions());
+
+    QToolBar *bar = addToolBar(tr("Tools"));
+    bar->setObjectName(QStringLiteral("tools"));
+    bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    bar->addAction(m_addAction);
+    bar->addSeparator();
+    bar->addActions({pause, go, stop, resume, retry});
+    bar->addSeparator();
+    bar->addActions({open, remove});
+}
+
+void MainWindow::makeFilter()
+{
+    QToolBar *bar = addToolBar(tr("Filter"));
+    bar->setObjectName(QStringLiteral("filter"));
+    m_group = new QComboBox(bar);
+    m_group->setAccessibleName(tr("Show videos in this state"));
+    for (const QString &name :
+         {tr("All"), tr("Running"), tr("Waiting"), tr("Finished"), tr("Failed"), tr("Stopped")})
+        m_group->addItem(name);
+    m_search = new QLineEdit(bar);
+    m_search->setPlaceholderText(tr("Search"));
+    m_search->setAccessibleName(tr("Search titles, addresses and files"));
+    m_search->setClearButtonEnabled(true);
+    m_search->setMaximumWidth(30 * fontMetrics().averageCharWidth());
+    bar->addWidget(m_group);
+    bar->addWidget(m_search);
+    connect(m_group, &QComboBox::currentIndexChanged, this,
+            [this](int index) { m_filter.setGroup(TaskGroup(index)); });
+    connect(m_search, &QLineEdit::textChanged, &m_filter, &TaskFilter::setText);
+    auto *find = new QAction(tr("&Search"), this);
+    find->setShortcut(QKeySequence::Find);
+    connect(find, &QAction::triggered, m_search, qOverload<>(&QWidget::setFocus));
+    QMainWindow::addAction(find);
+}
+
+void MainWindow::makeTray()
+{
+    m_tray.setIcon(QIcon(QStringLiteral(":/icons/videodown.svg")));
+    m_tray.setToolTip(windowTitle());
+    connect(&m_tray, &QSystemTrayIcon::activated, this, &MainWindow::raiseWindow);
+    m_tray.setVisible(m_settings.trayIcon && QSystemTrayIcon::isSystemTrayAvailable());
+}
+
+void MainWindow::connectWorker()
+{
+    connect(m_worker, &Worker::opened, this, &MainWindow::historyOpened);
+    connect(m_worker, &Worker::closed, this, &MainWindow::historyClosed);
+    connect(m_worker, &Worker::rowsChanged, &m_model, &TaskModel::setRows);
+    connect(m_worker, &Worker::rowsRemoved, &m_model,
+            qOverload<const QStringList &>(&TaskModel::removeRows));
+    connect(m_worker, &Worker::totalsChanged, this, &MainWindow::showTotals);
+    connect(m_worker, &Worker::detailsFound, this, &MainWindow::showDetails);
+    connect(m_worker, &Worker::filesFound, this, &MainWindow::askForDeletion);
+    connect(m_worker, &Worker::idle, this, &MainWindow::lastEnded);
+    connect(m_worker, &Worker::message, this,
+            [this](const QString &text) { statusBar()->showMessage(text); });
+    connect(m_worker, &Worker::inspected, this, [this](const DownloadResult &result) {
+        if (m_addDialog)
+            m_addDialog->showInspection(result);
+    });
+}
+
+void MainWindow::restoreLook()
+{
+    resize(1100, 650);
+    restoreGeometry(m_stored.value(QStringLiteral("look/geometry")).toByteArray());
+    restoreState(m_stored.value(QStringLiteral("look/state")).toByteArray());
+    m_view->header()->restoreState(m_stored.value(QStringLiteral("look/columns")).toByteArray());
+}
+
+void MainWindow::saveLook()
+{
+    m_stored.setValue(QStringLiteral("look/geometry"), saveGeometry());
+    m_stored.setValue(QStringLiteral("look/state"), saveState());
+    m_stored.setValue(QStringLiteral("look/columns"), m_view->header()->saveState());
+}

@@ -1,0 +1,140 @@
+/** The window: list, actions, details and status. */
+#ifndef VIDEODOWN_WINDOW_MAINWINDOW_H
+#define VIDEODOWN_WINDOW_MAINWINDOW_H
+
+#include "passwords.h"
+#include "settings.h"
+#include "taskmodel.h"
+#include "thumbnails.h"
+#include "worker.h"
+
+#include <QLabel>
+#include <QMainWindow>
+#include <QPointer>
+#include <QSettings>
+#include <QSystemTrayIcon>
+#include <QThread>
+
+class AddDialog;
+class DetailsPane;
+class QComboBox;
+class QLineEdit;
+class QTreeView;
+
+/**
+ * Shows what a worker does, and has it do what the user wants. Touches no file and no network
+ * itself. Closing the window stops everything and saves first; `closed` comes then.
+ */
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    /** @param historyPath of the history to be kept; absolute */
+    explicit MainWindow(const QString &historyPath, QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    /** Opens the history; to be called once, before or after the window is shown. */
+    void start();
+    /** Downloads these with the settings as they are. */
+    void addAddresses(const QStringList &addresses);
+    /** Comes to the front, as after a second start. */
+    void raiseWindow();
+
+    TaskModel &model() { return m_model; }
+    QTreeView &view() { return *m_view; }
+    QAction &action(TaskAction action) { return *m_actions.value(int(action)); }
+
+signals:
+    /** The history has been read. */
+    void opened();
+    /** Everything is stopped and saved. */
+    void closed();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+private:
+    using Step = void (MainWindow::*)();
+
+    // Setting up (mainwindow.cpp)
+    void makeView();
+    void makeDetails();
+    void makeActions();
+    void makeFilter();
+    void makeTray();
+    QAction *addAction(const QString &text, const QString &icon, const QKeySequence &keys,
+                       Step step);
+    QAction *addTaskAction(TaskAction action, const QString &text, const QString &icon,
+                           const QKeySequence &keys, Step step = nullptr);
+    void connectWorker();
+    void restoreLook();
+    void saveLook();
+
+    // What the worker tells (windowevents.cpp)
+    void historyOpened(const OpenedHistory &history);
+    void historyClosed(const QString &problem);
+    void showTotals(const DownloadTotals &totals);
+    void showDetails(const TaskDetails &details);
+    void askForDeletion(const QStringList &keys, const QStringList &files);
+    void lastEnded();
+
+    // What the user does (windowactions.cpp)
+    void updateActions();
+    void selectionChanged();
+    void showAddDialog();
+    void addFrom(AddDialog &dialog);
+    void paste();
+    void showSettings();
+    void renameTask();
+    void upgradeTasks();
+    void convertTasks();
+    void removeTasks();
+    void deleteTasks();
+    void openFile();
+    void openFolder();
+    void copyAddresses();
+    void moveUp();
+    void moveDown();
+    void perform(TaskAction action);
+
+    QStringList selectedKeys() const;
+    const TaskRow *selectedRow() const;
+    template <typename Function>
+    void tellWorker(Function function)
+    {
+        QMetaObject::invokeMethod(m_worker, std::move(function), Qt::QueuedConnection);
+    }
+
+    QSettings m_stored;
+    Settings m_settings;
+    Passwords m_passwords;
+    Thumbnails m_thumbnails;
+    TaskModel m_model;
+    TaskFilter m_filter;
+    QThread m_thread;
+    Worker *m_worker; // lives on m_thread, which deletes it
+    QTreeView *m_view = nullptr;
+    DetailsPane *m_details = nullptr;
+    QLineEdit *m_search = nullptr;
+    QComboBox *m_group = nullptr;
+    QLabel m_totals;
+    QLabel m_state;
+    QSystemTrayIcon m_tray;
+    QHash<int, QAction *> m_actions;     // by TaskAction
+    QList<QAction *> m_selectionActions; // that need a selection, whatever its state
+    QAction *m_deleteAction = nullptr;
+    QAction *m_convertAction = nullptr;
+    QAction *m_moveUp = nullptr;
+    QAction *m_moveDown = nullptr;
+    QAction *m_addAction = nullptr;
+    QHash<int, QString> m_plainToolTips;
+    QPointer<AddDialog> m_addDialog;
+    bool m_readOnly = false;
+    bool m_closing = false;
+    bool m_isClosed = false;
+};
+
+#endif

@@ -1,0 +1,331 @@
+#include "taskmodel.h"
+
+#include "thumbnails.h"
+
+#include <QFileInfo>
+#include <QLocale>
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+
+constexpr qint64 endless = std::numeric_limits<qint64>::max();
+
+bool isMoving(const TaskRow &row)
+{
+    return row.activity == TaskActivity::Downloading && row.progress.bytesPerSecond > 0;
+}
+
+qint64 secondsLeft(const TaskRow &row)
+{
+    const qint64 left = row.progress.total - row.progress.received;
+    return isMoving(row) && left >= 0 ? left / row.progress.bytesPerSecond : endless;
+}
+
+QString durationText(qint64 seconds)
+{
+    const qint64 hours = seconds / 3600;
+    const QString minutes = QStringLiteral("%1:%2")
+                                .arg(seconds / 60 % 60, hours > 0 ? 2 : 1, 10, QChar(u'0'))
+                                .arg(seconds % 60, 2, 10, QChar(u'0'));
+    return hours > 0 ? QStringLiteral("%1:%2").arg(hours).arg(minutes) : minutes;
+}
+
+} // namespace
+
+TaskModel::TaskModel(Thumbnails *thumbnails, QObject *parent)
+    : QAbstractTableModel(parent), m_thumbnails(thumbnails)
+{
+    if (thumbnails != nullptr)
+        connect(thumbnails, &Thumbnails::ready, this, &TaskModel::changeThumbnail);
+}
+
+int TaskModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : int(m_rows.size());
+}
+
+int TaskModel::columnCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : int(ColumnCount);
+}
+
+Qt::ItemFlags TaskModel::flags(const QModelIndex &index) const
+{
+    return QAbstractTableModel::flags(index) | Qt::ItemNeverHasChildren;
+}
+
+QVariant TaskModel::data(const QModelIndex &index, int role) const
+{
+    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
+        return {};
+    const TaskRow &row = m_rows.at(index.row());
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::AccessibleTextRole:
+        return text(row, index.column());
+    case Qt::ToolTipRole:
+        return toolTip(row, index.column());
+    case Qt::DecorationRole:
+        return index.column() == Title && m_thumbnails != nullptr
+                   ? m_thumbnails->pixmap(row.thumbnail)
+                   : QVariant();
+    case Qt::TextAlignmentRole:
+        return index.column() == Size || index.column() == Speed || index.column() == TimeLeft
+                   ? QVariant(Qt::AlignVCenter | Qt::AlignRight)
+                   : QVariant(Qt::AlignVCenter | Qt::AlignLeft);
+    case SortRole:
+        return sortValue(row, index.column());
+    case KeyRole:
+        return row.key;
+    case GroupRole:
+        return int(groupOf(row));
+    case PercentRole:
+        return row.percent;
+    case SearchRole:
+        return QString(row.title + u'\n' + row.address + u'\n' + row.path);
+    default:
+        return {};
+    }
+}
+
+QVariant TaskModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
+        return {};
+    switch (section) {
+    case Title:
+        return tr("Title");
+    case State:
+        return tr("State");
+    case Progress:
+        return tr("Progress");
+    case Size:
+        return tr("Size");
+    case Speed:
+        return tr("Speed");
+    case TimeLeft:
+        return tr("Time left");
+    case Added:
+        return tr("Added");
+    default:
+        return {};
+    }
+}
+
+QString TaskModel::text(const TaskRow &row, int column) const
+{
+    const QLocale locale;
+    switch (column) {
+    case Title:
+        return row.title.isEmpty() ? row.address : row.title;
+    case State:
+        return stateText(row);
+    case Progress:
+        return tr("%1 %").arg(row.percent);
+    case Size:
+        return row.progress.total > 0 ? locale.formattedDataSize(row.progress.total) : QString();
+    case Speed:
+        return isMoving(row) ? tr("%1/s").arg(locale.formattedDataSize(row.progress.bytesPerSecond))
+                             : QString();
+    case TimeLeft:
+        return secondsLeft(row) == endless ? QString() : durationText(secondsLeft(row));
+    case Added:
+        return locale.toString(row.added, QLocale::ShortFormat);
+    default:
+        return {};
+    }
+}
+
+QVariant TaskModel::sortValue(const TaskRow &row, int column) const
+{
+    switch (column) {
+    case State:
+        return int(groupOf(row));
+    case Progress:
+        return row.percent;
+    case Size:
+        return row.progress.total;
+    case Speed:
+        return isMoving(row) ? row.progress.bytesPerSecond : qint64(-1);
+    case TimeLeft:
+        return secondsLeft(row);
+    case Added:
+        return row.added;
+    default:
+        return text(row, column);
+    }
+}
+
+QString TaskModel::toolTip(const TaskRow &row, int column) const
+{
+    if (column == Title)
+        return row.path.isEmpty() ? row.address : row.path;
+    if (column == State && groupOf(row) == TaskGroup::Failed && !row.failure.cause.isEmpty())
+        return QString(stateText(row) + u'\n' + row.failure.advice).trimmed();
+    return {};
+}
+
+TaskGroup TaskModel::groupOf(const TaskRow &row)
+{
+    if (row.activity == TaskActivity::Waiting)
+        return TaskGroup::Waiting;
+    if (row.isAtWork())
+        return TaskGroup::Running;
+    switch (row.state) {
+    case TaskState::Finished:
+        return TaskGroup::Finished;
+    case TaskState::Failed:
+        return TaskGroup::Failed;
+    default:
+        return TaskGroup::Stopped;
+    }
+}
+
+QString TaskModel::stateText(const TaskRow &row)
+{
+    if (row.isConverting)
+        return tr("Converting");
+    switch (row.activity) {
+    case TaskActivity::Waiting:
+        return tr("Waiting");
+    case TaskActivity::Parsing:
+        return tr("Asking the site");
+    case TaskActivity::Downloading:
+        return tr("Downloading");
+    case TaskActivity::Paused:
+        return tr("Paused");
+    case TaskActivity::Copying:
+        return tr("Copying");
+    case TaskActivity::Stopping:
+        return tr("Stopping");
+    case TaskActivity::None:
+        break;
+    }
+    switch (row.state) {
+    case TaskState::Finished:
+        return tr("Finished");
+    case TaskState::Failed:
+        return row.failure.cause.isEmpty() ? tr("Failed") : tr("Failed: %1").arg(row.failure.cause);
+    case TaskState::Stopped:
+        return tr("Stopped");
+    case TaskState::Waiting:
+    case TaskState::Running:
+        return tr("Interrupted");
+    case TaskState::None:
+        break;
+    }
+    return tr("Unknown");
+}
+
+void TaskModel::setRows(const QList<TaskRow> &rows)
+{
+    QList<TaskRow> fresh;
+    for (const TaskRow &row : rows) {
+        const auto place = m_places.constFind(row.key);
+        if (place == m_places.cend()) {
+            fresh << row;
+            continue;
+        }
+        m_rows[*place] = row;
+        m_pictures.insert(row.thumbnail, row.key);
+        emit dataChanged(index(*place, 0), index(*place, ColumnCount - 1));
+    }
+    if (!fresh.isEmpty())
+        insertRows(fresh);
+}
+
+void TaskModel::insertRows(const QList<TaskRow> &rows)
+{
+    const int first = int(m_rows.size());
+    beginInsertRows({}, first, first + int(rows.size()) - 1);
+    m_rows += rows;
+    for (const TaskRow &row : rows) {
+        m_places.insert(row.key, int(m_places.size()));
+        m_pictures.insert(row.thumbnail, row.key);
+    }
+    endInsertRows();
+}
+
+void TaskModel::removeRows(const QStringList &keys)
+{
+    for (const QString &key : keys) {
+        const QModelIndex place = indexOf(key);
+        if (!place.isValid())
+            continue;
+        beginRemoveRows({}, place.row(), place.row());
+        m_pictures.remove(m_rows.at(place.row()).thumbnail);
+        m_rows.removeAt(place.row());
+        m_places.remove(key);
+        for (int row = place.row(); row < m_rows.size(); ++row)
+            m_places[m_rows.at(row).key] = row;
+        endRemoveRows();
+    }
+}
+
+void TaskModel::changeThumbnail(const QString &path)
+{
+    const QModelIndex place = indexOf(m_pictures.value(path));
+    if (place.isValid())
+        emit dataChanged(place, place, {Qt::DecorationRole});
+}
+
+const TaskRow *TaskModel::find(const QString &key) const
+{
+    const auto place = m_places.constFind(key);
+    return place == m_places.cend() ? nullptr : &m_rows.at(*place);
+}
+
+QModelIndex TaskModel::indexOf(const QString &key) const
+{
+    const auto place = m_places.constFind(key);
+    return place == m_places.cend() ? QModelIndex() : index(*place, 0);
+}
+
+int TaskModel::count(TaskGroup group) const
+{
+    return int(std::count_if(m_rows.cbegin(), m_rows.cend(), [group](const TaskRow &row) {
+        return group == TaskGroup::All || groupOf(row) == group;
+    }));
+}
+
+TaskFilter::TaskFilter(QObject *parent) : QSortFilterProxyModel(parent)
+{
+    setSortRole(TaskModel::SortRole);
+    setSortLocaleAware(true);
+    setSortCaseSensitivity(Qt::CaseInsensitive);
+    setDynamicSortFilter(true);
+}
+
+void TaskFilter::setGroup(TaskGroup group)
+{
+    m_group = group;
+    invalidateFilter();
+}
+
+void TaskFilter::setText(const QString &text)
+{
+    m_words = text.split(u' ', Qt::SkipEmptyParts);
+    invalidateFilter();
+}
+
+bool TaskFilter::filterAcceptsRow(int row, const QModelIndex &parent) const
+{
+    const QModelIndex index = sourceModel()->index(row, 0, parent);
+    if (m_group != TaskGroup::All && index.data(TaskModel::GroupRole).toInt() != int(m_group))
+        return false;
+    const QString text =
+        m_words.isEmpty() ? QString() : index.data(TaskModel::SearchRole).toString();
+    return std::all_of(m_words.cbegin(), m_words.cend(), [&text](const QString &word) {
+        return text.contains(word, Qt::CaseInsensitive);
+    });
+}
+
+// Equal values keep a fixed order, so that rows do not jump while they change.
+bool TaskFilter::lessThan(const QModelIndex &left, const QModelIndex &right) const
+{
+    if (QSortFilterProxyModel::lessThan(left, right))
+        return true;
+    return !QSortFilterProxyModel::lessThan(right, left) && left.row() < right.row();
+}

@@ -1,0 +1,87 @@
+/** The tasks as a table, keyed by task key. */
+#ifndef VIDEODOWN_WINDOW_TASKMODEL_H
+#define VIDEODOWN_WINDOW_TASKMODEL_H
+
+#include "taskrow.h"
+
+#include <QAbstractTableModel>
+#include <QHash>
+#include <QMultiHash>
+#include <QSortFilterProxyModel>
+
+class Thumbnails;
+
+/** What a person would look for: the states of the filter. */
+enum class TaskGroup { All, Running, Waiting, Finished, Failed, Stopped };
+
+/** Rows keep their places; new ones come last. The proxy sorts them. */
+class TaskModel : public QAbstractTableModel
+{
+    Q_OBJECT
+
+public:
+    enum Column { Title, State, Progress, Size, Speed, TimeLeft, Added, ColumnCount };
+    enum Role {
+        SortRole = Qt::UserRole, ///< a value that sorts as a person expects
+        KeyRole,                 ///< QString
+        GroupRole,               ///< TaskGroup, as int
+        PercentRole,             ///< int, 0 to 100
+        SearchRole,              ///< QString: title, address and path
+    };
+
+    /** @param thumbnails must outlive the model; null: no pictures */
+    explicit TaskModel(Thumbnails *thumbnails, QObject *parent = nullptr);
+
+    int rowCount(const QModelIndex &parent = {}) const override;
+    int columnCount(const QModelIndex &parent = {}) const override;
+    QVariant data(const QModelIndex &index, int role) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+    Qt::ItemFlags flags(const QModelIndex &index) const override;
+
+    /** Adds rows, or changes those with the same keys. */
+    void setRows(const QList<TaskRow> &rows);
+    void removeRows(const QStringList &keys);
+
+    /** The row with this key, or null; good until the model changes. */
+    const TaskRow *find(const QString &key) const;
+    QModelIndex indexOf(const QString &key) const;
+    int count(TaskGroup group) const;
+
+    static TaskGroup groupOf(const TaskRow &row);
+    static QString stateText(const TaskRow &row);
+
+private:
+    void insertRows(const QList<TaskRow> &rows);
+    void changeThumbnail(const QString &path);
+    QString text(const TaskRow &row, int column) const;
+    QVariant sortValue(const TaskRow &row, int column) const;
+    QString toolTip(const TaskRow &row, int column) const;
+
+    Thumbnails *m_thumbnails;
+    QList<TaskRow> m_rows;
+    QHash<QString, int> m_places;       // by key
+    QHash<QString, QString> m_pictures; // keys by the paths of their thumbnails
+};
+
+/** Sorts and filters the tasks, also while they change. */
+class TaskFilter : public QSortFilterProxyModel
+{
+    Q_OBJECT
+
+public:
+    explicit TaskFilter(QObject *parent = nullptr);
+
+    void setGroup(TaskGroup group);
+    /** Shows the tasks whose title, address or path has all of these words. */
+    void setText(const QString &text);
+
+protected:
+    bool filterAcceptsRow(int row, const QModelIndex &parent) const override;
+    bool lessThan(const QModelIndex &left, const QModelIndex &right) const override;
+
+private:
+    TaskGroup m_group = TaskGroup::All;
+    QStringList m_words;
+};
+
+#endif

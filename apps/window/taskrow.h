@@ -1,0 +1,56 @@
+/** What the window knows of a task: plain values that cross from the worker's thread. */
+#ifndef VIDEODOWN_WINDOW_TASKROW_H
+#define VIDEODOWN_WINDOW_TASKROW_H
+
+#include "driver/downloadtask.h"
+#include "driver/taskaction.h"
+#include "driver/taskstate.h"
+
+#include <QDateTime>
+#include <QList>
+#include <QMap>
+#include <QMetaType>
+#include <QString>
+
+#include <bitset>
+
+constexpr std::size_t taskActionCount = std::size_t(TaskAction::Open) + 1;
+
+/** One line of the list. */
+struct TaskRow
+{
+    QString key;
+    QString title; ///< empty until the site has answered
+    QString address;
+    QString path;      ///< of the finished file, or where it will be
+    QString thumbnail; ///< path; the file may be missing
+    QDateTime added;
+    TaskState state = TaskState::None;
+    TaskActivity activity = TaskActivity::None;
+    bool isConverting = false;
+    FailureReason failure;                ///< of a task that failed in this session
+    DownloadProgress progress;            ///< bytes; of a task at rest, what its record says
+    int percent = 0;                      ///< 0 to 100
+    std::bitset<taskActionCount> actions; ///< what can be done with it now
+
+    bool can(TaskAction action) const { return actions.test(std::size_t(action)); }
+    bool isAtWork() const { return activity != TaskActivity::None || isConverting; }
+};
+
+/** Everything about one task, for the details pane. */
+struct TaskDetails
+{
+    QString key;
+    QString title;
+    QList<QPair<QString, QString>> fields; ///< name and value, as the history has them
+    QList<OfferedFormat> formats;          ///< what the site offered
+    QStringList files;                     ///< those that exist
+    FailureReason failure;
+    QMap<int, QString> obstacles; ///< why a TaskAction cannot be done now
+    QString conversion;           ///< what a conversion would make; empty for none
+};
+
+Q_DECLARE_METATYPE(TaskRow)
+Q_DECLARE_METATYPE(TaskDetails)
+
+#endif

@@ -1,0 +1,118 @@
+// What the worker tells, and what the window makes of it.
+#include "detailspane.h"
+#include "mainwindow.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QLocale>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QStatusBar>
+
+void MainWindow::historyOpened(const OpenedHistory &history)
+{
+    m_readOnly = !history.problem.isEmpty();
+    if (m_readOnly)
+        m_state.setText(tr("For reading only: %1").arg(history.problem));
+    updateActions();
+    emit opened();
+    if (!history.setAside.isEmpty())
+        QMessageBox::warning(this, windowTitle(),
+                             tr("The history was damaged. What could be read of it is in the list; "
+                                "the damaged file was kept as\n%1")
+                                 .arg(history.setAside));
+    if (!history.setAsideJournal.isEmpty())
+        QMessageBox::warning(this, windowTitle(),
+                             tr("The journal beside the history belongs to another history. It was "
+                                "kept as\n%1")
+                                 .arg(history.setAsideJournal));
+    if (history.interrupted == 0 || m_readOnly)
+        return;
+    auto *question = new QMessageBox(
+        QMessageBox::Question, windowTitle(),
+        tr("%n download(s) were interrupted. Resume them now?", nullptr, history.interrupted),
+        QMessageBox::Yes | QMessageBox::No, this);
+    question->setAttribute(Qt::WA_DeleteOnClose);
+    connect(question, &QMessageBox::accepted, this,
+            [this] { tellWorker([worker = m_worker] { worker->resumeInterrupted(); }); });
+    question->open();
+}
+
+void MainWindow::showTotals(const DownloadTotals &totals)
+{
+    const int running = m_model.count(TaskGroup::Running);
+    const int waiting = m_model.count(TaskGroup::Waiting);
+    const int failed = m_model.count(TaskGroup::Failed);
+    const QString speed = QLocale().formattedDataSize(totals.bytesPerSecond);
+    m_totals.setText(tr("%1 running, %2 waiting, %3 failed · %4/s")
+                         .arg(running)
+                         .arg(waiting)
+                         .arg(failed)
+                         .arg(speed));
+    m_tray.setToolTip(QStringLiteral("%1: %2").arg(windowTitle(), m_totals.text()));
+}
+
+void MainWindow::showDetails(const TaskDetails &details)
+{
+    const QStringList keys = selectedKeys();
+    if (keys.size() != 1 || keys.first() != details.key)
+        return;
+    m_details->show(details);
+    for (auto each = m_actions.cbegin(); each != m_actions.cend(); ++each) {
+        const QString why = details.obstacles.value(each.key());
+        const QString plain = m_plainToolTips.value(each.key());
+        each.value()->setToolTip(why.isEmpty() ? plain : tr("%1: %2").arg(plain, why));
+    }
+}
+
+void MainWindow::askForDeletion(const QStringList &keys, const QStringList &files)
+{
+    auto *question = new QMessageBox(
+        QMessageBox::Warning, windowTitle(),
+        tr("Remove %n video(s) from the list and delete these files?", nullptr, int(keys.size())),
+        QMessageBox::Cancel, this);
+    question->setAttribute(Qt::WA_DeleteOnClose);
+    question->setInformativeText(files.isEmpty() ? tr("There are no files.")
+                                                 : files.mid(0, 10).join(u'\n'));
+    if (files.size() > 10)
+        question->setDetailedText(files.join(u'\n'));
+    QPushButton *sure = question->addButton(tr("&Delete"), QMessageBox::DestructiveRole);
+    connect(sure, &QPushButton::clicked, this, [this, keys] {
+        tellWorker([worker = m_worker, keys] { worker->remove(keys, true); });
+    });
+    question->open();
+}
+
+void MainWindow::lastEnded()
+{
+    if (m_settings.notify && !isActiveWindow() && QSystemTrayIcon::supportsMessages() &&
+        m_tray.isVisible())
+        m_tray.showMessage(windowTitle(), tr("All downloads have ended."));
+    QApplication::alert(this);
+}
+
+// The first close has everything stopped and saved; the window goes when that is done.
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    if (m_isClosed || !m_thread.isRunning()) {
+        saveLook();
+        event->accept();
+        return;
+    }
+    event->ignore();
+    if (std::exchange(m_closing, true))
+        return;
+    m_state.setText(tr("Stopping and saving…"));
+    updateActions();
+    tellWorker([worker = m_worker] { worker->close(); });
+}
+
+void MainWindow::historyClosed(const QString &problem)
+{
+    m_isClosed = true;
+    if (!problem.isEmpty() && !m_readOnly)
+        QMessageBox::warning(this, windowTitle(),
+                             tr("The history could not be saved: %1").arg(problem));
+    close();
+    emit closed();
+}
