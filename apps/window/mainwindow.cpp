@@ -98,7 +98,7 @@ void MainWindow::makeView()
     m_view->header()->setStretchLastSection(false);
     m_view->header()->setSectionResizeMode(TaskModel::Title, QHeaderView::Stretch);
     const int unit = fontMetrics().averageCharWidth();
-    const int widths[] = {0, 22, 14, 11, 12, 10, 18};
+    const int widths[] = {0, 30, 14, 14, 14, 12, 26};
     for (int column = TaskModel::State; column < TaskModel::ColumnCount; ++column)
         m_view->setColumnWidth(column, widths[column] * unit);
     setCentralWidget(m_view);
@@ -117,6 +117,7 @@ void MainWindow::makeDetails()
     m_details->showNothing(0);
     dock->setWidget(m_details);
     addDockWidget(Qt::BottomDockWidgetArea, dock);
+    resizeDocks({dock}, {8 * fontMetrics().lineSpacing()}, Qt::Vertical);
     QAction *toggle = dock->toggleViewAction();
     toggle->setShortcut(QKeySequence(Qt::Key_F9));
     menuBar()->addMenu(tr("&View"))->addAction(toggle);
@@ -286,7 +287,7 @@ void MainWindow::connectWorker()
 
 void MainWindow::restoreLook()
 {
-    resize(1100, 650);
+    resize(1200, 720);
     restoreGeometry(m_stored.value(QStringLiteral("look/geometry")).toByteArray());
     restoreState(m_stored.value(QStringLiteral("look/state")).toByteArray());
     m_view->header()->restoreState(m_stored.value(QStringLiteral("look/columns")).toByteArray());
