@@ -193,7 +193,7 @@ QStringList AddDialog::addressesIn(const QString &text)
         QString address = matches.next().captured();
         while (QStringLiteral(".,;:!?)]}'").contains(address.back()))
             address.chop(1);
-        if (!addresses.contains(address))
+        if (!address.endsWith(QLatin1String("//")) && !addresses.contains(address))
             addresses << address;
     }
     return addresses;

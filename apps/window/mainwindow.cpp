@@ -260,7 +260,7 @@ void MainWindow::makeFilter()
 
 void MainWindow::makeTray()
 {
-    m_tray.setIcon(QIcon(QStringLiteral(":/icons/videodown.svg")));
+    m_tray.setIcon(QApplication::windowIcon());
     m_tray.setToolTip(windowTitle());
     connect(&m_tray, &QSystemTrayIcon::activated, this, &MainWindow::raiseWindow);
     m_tray.setVisible(m_settings.trayIcon && QSystemTrayIcon::isSystemTrayAvailable());

@@ -51,11 +51,6 @@ int TaskModel::columnCount(const QModelIndex &parent) const
     return parent.isValid() ? 0 : int(ColumnCount);
 }
 
-Qt::ItemFlags TaskModel::flags(const QModelIndex &index) const
-{
-    return QAbstractTableModel::flags(index) | Qt::ItemNeverHasChildren;
-}
-
 QVariant TaskModel::data(const QModelIndex &index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid))
@@ -221,30 +216,25 @@ QString TaskModel::stateText(const TaskRow &row)
 
 void TaskModel::setRows(const QList<TaskRow> &rows)
 {
+    const int known = int(m_rows.size());
     QList<TaskRow> fresh;
     for (const TaskRow &row : rows) {
+        m_pictures.insert(row.thumbnail, row.key);
         const auto place = m_places.constFind(row.key);
         if (place == m_places.cend()) {
+            m_places.insert(row.key, known + int(fresh.size()));
             fresh << row;
-            continue;
+        } else if (*place >= known) { // twice in one go
+            fresh[*place - known] = row;
+        } else {
+            m_rows[*place] = row;
+            emit dataChanged(index(*place, 0), index(*place, ColumnCount - 1));
         }
-        m_rows[*place] = row;
-        m_pictures.insert(row.thumbnail, row.key);
-        emit dataChanged(index(*place, 0), index(*place, ColumnCount - 1));
     }
-    if (!fresh.isEmpty())
-        insertRows(fresh);
-}
-
-void TaskModel::insertRows(const QList<TaskRow> &rows)
-{
-    const int first = int(m_rows.size());
-    beginInsertRows({}, first, first + int(rows.size()) - 1);
-    m_rows += rows;
-    for (const TaskRow &row : rows) {
-        m_places.insert(row.key, int(m_places.size()));
-        m_pictures.insert(row.thumbnail, row.key);
-    }
+    if (fresh.isEmpty())
+        return;
+    beginInsertRows({}, known, known + int(fresh.size()) - 1);
+    m_rows += fresh;
     endInsertRows();
 }
 
@@ -273,14 +263,13 @@ void TaskModel::changeThumbnail(const QString &path)
 
 const TaskRow *TaskModel::find(const QString &key) const
 {
-    const auto place = m_places.constFind(key);
-    return place == m_places.cend() ? nullptr : &m_rows.at(*place);
+    const QModelIndex place = indexOf(key);
+    return place.isValid() ? &m_rows.at(place.row()) : nullptr;
 }
 
 QModelIndex TaskModel::indexOf(const QString &key) const
 {
-    const auto place = m_places.constFind(key);
-    return place == m_places.cend() ? QModelIndex() : index(*place, 0);
+    return index(m_places.value(key, -1), 0);
 }
 
 int TaskModel::count(TaskGroup group) const

@@ -36,7 +36,6 @@ public:
     int columnCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
-    Qt::ItemFlags flags(const QModelIndex &index) const override;
 
     /** Adds rows, or changes those with the same keys. */
     void setRows(const QList<TaskRow> &rows);
@@ -51,7 +50,6 @@ public:
     static QString stateText(const TaskRow &row);
 
 private:
-    void insertRows(const QList<TaskRow> &rows);
     void changeThumbnail(const QString &path);
     QString text(const TaskRow &row, int column) const;
     QVariant sortValue(const TaskRow &row, int column) const;
