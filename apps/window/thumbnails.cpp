@@ -12,16 +12,20 @@ constexpr int mostPixmaps = 2000;
 constexpr qint64 mostBytes = 8 << 20;
 constexpr int longestSide = 2000;
 
-// A null image for what cannot or must not be decoded. Runs on the pool's threads.
-QImage decode(const QString &path, QSize size)
+// Nothing for a file that is still to be written; a null image for what cannot or must not be
+// decoded. Runs on the pool's threads.
+std::optional<QImage> decode(const QString &path, QSize size)
 {
-    if (QFileInfo(path).size() > mostBytes)
-        return {};
+    const qint64 bytes = QFileInfo(path).size();
+    if (bytes == 0)
+        return std::nullopt;
+    if (bytes > mostBytes)
+        return QImage();
     QImageReader reader(path);
     reader.setAutoTransform(true);
     const QSize whole = reader.size();
     if (!whole.isValid() || whole.width() > longestSide || whole.height() > longestSide)
-        return {};
+        return QImage();
     reader.setScaledSize(whole.scaled(size, Qt::KeepAspectRatio));
     return reader.read();
 }
@@ -72,22 +76,20 @@ QPixmap Thumbnails::pixmap(const QString &path)
     m_decoding.insert(path);
     const QSize size = m_size * qApp->devicePixelRatio();
     m_threads.start([this, path, size] {
-        const QImage image = decode(path, size);
+        const std::optional<QImage> image = decode(path, size);
         QMetaObject::invokeMethod(
             this, [this, path, image] { decoded(path, image); }, Qt::QueuedConnection);
     });
     return m_placeholder;
 }
 
-void Thumbnails::forget(const QString &path)
-{
-    m_pixmaps.remove(path);
-}
-
 // All pictures get one size, so that the rows' texts begin in one line.
-void Thumbnails::decoded(const QString &path, const QImage &image)
+void Thumbnails::decoded(const QString &path, const std::optional<QImage> &decoded)
 {
     m_decoding.remove(path);
+    if (!decoded)
+        return;
+    const QImage &image = *decoded;
     if (image.isNull()) {
         m_pixmaps.insert(path, new QPixmap(m_placeholder));
         return;

@@ -10,6 +10,8 @@
 #include <QSize>
 #include <QThreadPool>
 
+#include <optional>
+
 /**
  * Decodes and scales thumbnails on threads of its own, a bounded number at a time, and keeps a
  * bounded number of them. Files of more than 8 MB, and pictures of more than 2,000 x 2,000 pixels,
@@ -29,15 +31,13 @@ public:
 
     /** The picture of a file, or the placeholder; in that case `ready` comes when it is decoded. */
     QPixmap pixmap(const QString &path);
-    /** The file has been written anew. */
-    void forget(const QString &path);
     const QPixmap &placeholder() const { return m_placeholder; }
 
 signals:
     void ready(const QString &path);
 
 private:
-    void decoded(const QString &path, const QImage &image);
+    void decoded(const QString &path, const std::optional<QImage> &decoded);
 
     const QSize m_size;
     QPixmap m_placeholder;

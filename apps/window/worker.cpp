@@ -136,6 +136,8 @@ void Worker::follow()
     });
     connect(m_session.get(), &DownloadSession::idle, this, [this] {
         save();
+        for (const QString &key : std::exchange(m_ended, {})) // their thumbnails are there now
+            change(key);
         if (m_closing)
             close();
         else
@@ -207,6 +209,7 @@ void Worker::ended(const DownloadResult &result)
     }
     if (result.outcome == DownloadOutcome::Failed)
         m_failures.insert(result.key, result.failure);
+    m_ended.insert(result.key);
     change(result.key);
 }
 

@@ -95,6 +95,7 @@ private:
     QTimer m_gather;
     QSet<QString> m_changed;
     QSet<QString> m_inspecting;
+    QSet<QString> m_ended; // since the session was idle
     QStringList m_waiting; // in their order, of those that were added
     QHash<QString, DownloadProgress> m_progress;
     QHash<QString, FailureReason> m_failures;
