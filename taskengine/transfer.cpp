@@ -148,10 +148,11 @@ void Transfer::setPaused(bool paused)
 {
     m_paused = paused;
     restartSpeedCheck(Clock::now());
-    if (!m_running || (paused && !m_began))
+    if (!m_running || (paused && !m_began)) // then the first bytes are what is held
         return;
+    // Without a connection there is nothing to continue yet, or no more.
     const CURLcode code = curl_easy_pause(m_easy.get(), paused ? CURLPAUSE_RECV : CURLPAUSE_CONT);
-    if (code != CURLE_OK)
+    if (code != CURLE_OK && code != CURLE_BAD_FUNCTION_ARGUMENT)
         end(code);
 }
 

@@ -149,6 +149,18 @@ private slots:
 
     /** Wherever a pause meets the answer, a page in the place of the video is told from the video.
      */
+    /** A pause that ends before there is a connection costs nothing. */
+    void suspendedBeforeItBegins()
+    {
+        for (int number = 0; number < 50; ++number) {
+            const std::string key = std::to_string(number);
+            QCOMPARE(DownloadVideo(m_log->video(key, stream(), path("/" + key))), 0);
+            SuspendedDownload(key.c_str());
+            SuspendedDownload(key.c_str());
+            compareEnd(key, DOWN_STATE_DOWNLOAD_FINISH);
+        }
+    }
+
     void suspendedAnswerIsJudged()
     {
         answerWith(200, "text/html");

@@ -57,6 +57,10 @@ MainWindow::MainWindow(const QString &historyPath, QWidget *parent)
 
 MainWindow::~MainWindow()
 {
+    if (!m_thread.isRunning() && !m_thread.isFinished()) {
+        delete m_worker; // its thread has never begun
+        return;
+    }
     m_thread.quit();
     m_thread.wait();
 }
