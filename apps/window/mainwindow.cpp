@@ -67,6 +67,7 @@ MainWindow::~MainWindow()
 
 void MainWindow::start()
 {
+    connect(&m_thread, &QThread::started, m_worker, &Worker::open);
     m_thread.start();
     connect(&m_passwords, &Passwords::found, this,
             [this](const QString & /*account*/, const QString &password) {
@@ -81,7 +82,6 @@ void MainWindow::start()
     });
     if (!m_settings.proxy.user.isEmpty())
         m_passwords.read(m_settings.proxy.user + u'@' + m_settings.proxy.host);
-    tellWorker([worker = m_worker] { worker->open(); });
 }
 
 void MainWindow::makeView()
