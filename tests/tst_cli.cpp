@@ -79,6 +79,7 @@ private slots:
         QTest::newRow("upgrade to what") << u"upgrade -f mp4 PAGE"_s << 2 << u"how large"_s;
         QTest::newRow("unknown task") << u"show ABC"_s << 1 << u"no task \"ABC\""_s;
         QTest::newRow("odd history") << u"list --history ."_s << 4 << u"not a file"_s;
+        QTest::newRow("quiet failure") << u"get -q NOPAGE"_s << 1 << u"404 Not Found"_s;
         QTest::newRow("site says no") << u"formats NOPAGE"_s << 1 << u"404 Not Found"_s;
         QTest::newRow("unknown host") << u"get NOHOST"_s << 1 << u"unknown host"_s;
         QTest::newRow("dead proxy") << u"get --proxy 127.0.0.1:1 PAGE"_s << 1 << u"proxy"_s;
@@ -120,6 +121,8 @@ private slots:
         QStringList paths = ended.output.split(u'\n', Qt::SkipEmptyParts);
         paths.sort();
         QCOMPARE(paths.size(), 2);
+        QCOMPARE(run({u"get"_s, u"-q"_s, u"-o"_s, u"new/folder"_s, page("small-1")}).error,
+                 QString());
         QCOMPARE(contents(paths[0]), smallVideo(1, 18));
         QCOMPARE(contents(paths[1]), smallVideo(2, 18));
         QVERIFY(paths[0].startsWith(path("new/folder/")));

@@ -357,6 +357,7 @@ private slots:
         record->CategoryID = 7;
         record->TaskCreateTime = QDateTime(QDate(2012, 3, 7), QTime(9, 5, 3));
         f.turn();
+        QVERIFY(f.driver->setPaused(key, true));
         f.engine.sendState(key, DOWN_STATE_DOWNLOAD_FAIL, 410);
         f.engine.sendState(other, DOWN_STATE_PARSE_FAIL, 404);
         f.engine.sendState(key + u'1', DOWN_STATE_DOWNLOAD_FINISH);
@@ -369,6 +370,33 @@ private slots:
         f.turn();
         QCOMPARE(f.savePath(key), path);
         QCOMPARE(f.engine.calls("video").size(), 2);
+        QCOMPARE(f.driver->activity(key), TaskActivity::Downloading);
+    }
+
+    // A task of the list answers from its record, which a parse would replace.
+    void inspectionsLeaveTheListAsItIs()
+    {
+        DriverFixture f;
+        const QString listed = f.running(1);
+        f.finish(listed);
+        f.turn();
+        DownloadRequest request;
+        request.inspectOnly = true;
+        for (const int number : {1, 2}) {
+            request.address = f.url(number);
+            const QString key = f.driver->add(request);
+            f.turn();
+            if (number == 2)
+                f.engine.sendResponse(key, TaskFixture::response(2) + "length_seconds=213\r\n");
+            f.turn();
+            QCOMPARE(f.results.last().key, key);
+            QCOMPARE(f.results.last().offer.formats().size(), 4);
+        }
+        QCOMPARE(f.results.last().seconds, 213);
+        QCOMPARE(f.engine.calls("parse").size(), 2);
+        QCOMPARE(f.engine.calls("image"), QStringList{listed + u'1'});
+        const ControllerLock lock;
+        QCOMPARE(f.driver->controller().m_pHistory->m_InfoList.size(), 1);
     }
 
     // Two tasks can remember one name: it was free again when the first had failed.
@@ -650,6 +678,8 @@ private slots:
         QTest::newRow("stopped") << TaskState::Stopped << false
                                  << QList<A>{A::Resume, A::Retry, A::Remove};
         QTest::newRow("failed") << TaskState::Failed << false << QList<A>{A::Retry, A::Remove};
+        QTest::newRow("failed after it")
+            << TaskState::Failed << true << QList<A>{A::Retry, A::Remove};
         QTest::newRow("finished") << TaskState::Finished << true
                                   << QList<A>{A::Upgrade, A::Rename, A::Remove, A::Open};
         QTest::newRow("file gone") << TaskState::Finished << false << QList<A>{A::Remove};
