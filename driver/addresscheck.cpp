@@ -1,5 +1,7 @@
 #include "driver/addresscheck.h"
 
+#include "driver/texts.h"
+
 #include "down/cdown.h"
 #include "engine/taskengine.h"
 
@@ -31,16 +33,15 @@ bool isWebAddress(const QString &address)
 std::optional<FailureReason> addressProblem(const QString &address)
 {
     if (address.isEmpty())
-        return FailureReason{QStringLiteral("the address is empty"),
-                             QStringLiteral("Give the address of a video page.")};
+        return FailureReason{Texts::tr("the address is empty"),
+                             Texts::tr("Give the address of a video page.")};
     if (address.toLocal8Bit().size() > addressLimit)
-        return FailureReason{
-            QStringLiteral("the address is longer than %1 bytes").arg(addressLimit),
-            QStringLiteral("Give a shorter address of the same page.")};
+        return FailureReason{Texts::tr("the address is longer than %1 bytes").arg(addressLimit),
+                             Texts::tr("Give a shorter address of the same page.")};
     if (!isWebAddress(address))
         return FailureReason{
-            QStringLiteral("not an http or https address"),
-            QStringLiteral("Give the whole address of a video page, as in https://host/page.")};
+            Texts::tr("not an http or https address"),
+            Texts::tr("Give the whole address of a video page, as in https://host/page.")};
     return std::nullopt;
 }
 
@@ -49,8 +50,8 @@ std::optional<FailureReason> folderNameProblem(const QString &folder)
     const QString probe = CDown::CustomVideoName(folder, QStringLiteral("n"), QString(), false);
     if (!folder.contains(u'\\') && probe == folder + QLatin1String("/n"))
         return std::nullopt;
-    return FailureReason{QStringLiteral("the folder name \"%1\" has a backslash, or a percent sign "
-                                        "before a digit")
+    return FailureReason{Texts::tr("the folder name \"%1\" has a backslash, or a percent sign "
+                                   "before a digit")
                              .arg(folder),
-                         QStringLiteral("Choose another folder.")};
+                         Texts::tr("Choose another folder.")};
 }

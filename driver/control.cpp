@@ -2,10 +2,27 @@
 #include "driver/dispatcher.h"
 
 #include "driver/taskrecord.h"
+#include "driver/texts.h"
 
 #include <QFileInfo>
 
 #include <algorithm>
+
+namespace {
+
+// What is done with a task that the driver has; everything else needs a task at rest.
+bool isLive(TaskAction action)
+{
+    return action == TaskAction::Stop || action == TaskAction::Pause ||
+           action == TaskAction::Continue || action == TaskAction::Move;
+}
+
+std::optional<QString> unless(bool possible, const QString &why)
+{
+    return possible ? std::nullopt : std::optional(why);
+}
+
+} // namespace
 
 bool Dispatcher::setPaused(const QString &key, bool paused)
 {
@@ -81,30 +98,38 @@ TaskActivity Dispatcher::activity(const QString &key) const
 
 std::optional<QString> Dispatcher::obstacle(const QString &key, TaskAction action) const
 {
-    const TaskActivity now = activity(key);
-    const auto unless = [](bool possible, const QString &why) {
-        return possible ? std::nullopt : std::optional(why);
-    };
-    switch (action) {
-    case TaskAction::Stop:
-        return unless(now != TaskActivity::None && now != TaskActivity::Stopping &&
-                          now != TaskActivity::Copying,
-                      QStringLiteral("only a task that waits or runs can be stopped"));
-    case TaskAction::Pause:
-        return unless(now == TaskActivity::Downloading,
-                      QStringLiteral("only a video that is being downloaded can be paused"));
-    case TaskAction::Continue:
-        return unless(now == TaskActivity::Paused, QStringLiteral("the task is not paused"));
-    case TaskAction::Move:
-        return unless(m_tasks.find(key) != nullptr && m_tasks.find(key)->stage == Stage::Waiting,
-                      QStringLiteral("only a task that waits can be moved"));
-    default:
-        break;
-    }
-    if (now != TaskActivity::None)
-        return QStringLiteral("the task is at work");
+    if (isLive(action))
+        return liveObstacle(key, action);
     const ControllerLock lock;
     const CXMLInfo *record = m_port.controller().getXMLInfo(key);
-    return record == nullptr ? QStringLiteral("there is no such task")
-                             : taskrecord::obstacle(*record, action);
+    return record == nullptr ? Texts::tr("there is no such task") : obstacle(*record, action);
+}
+
+std::optional<QString> Dispatcher::obstacle(const CXMLInfo &record, TaskAction action) const
+{
+    if (isLive(action))
+        return liveObstacle(record.MD5Code, action);
+    if (activity(record.MD5Code) != TaskActivity::None)
+        return Texts::tr("the task is at work");
+    return taskrecord::obstacle(record, action);
+}
+
+std::optional<QString> Dispatcher::liveObstacle(const QString &key, TaskAction action) const
+{
+    const TaskActivity now = activity(key);
+    const Task *task = m_tasks.find(key);
+    switch (action) {
+    case TaskAction::Pause:
+        return unless(now == TaskActivity::Downloading,
+                      Texts::tr("only a video that is being downloaded can be paused"));
+    case TaskAction::Continue:
+        return unless(now == TaskActivity::Paused, Texts::tr("the task is not paused"));
+    case TaskAction::Move:
+        return unless(task != nullptr && task->stage == Stage::Waiting,
+                      Texts::tr("only a task that waits can be moved"));
+    default:
+        return unless(now != TaskActivity::None && now != TaskActivity::Stopping &&
+                          now != TaskActivity::Copying,
+                      Texts::tr("only a task that waits or runs can be stopped"));
+    }
 }

@@ -34,17 +34,19 @@ ControllerPort::ControllerPort(const Settings &settings, std::function<void()> w
     : m_mailbox(std::move(wake)), m_controller(makeController(settings, &m_mailbox))
 {
     setVideoLimit(settings.videoLimit);
-    if (settings.proxy) {
-        tagProxyParam proxy = *settings.proxy;
-        m_controller->setProxyInfo(&proxy);
-        m_controller->setProxySet(1);
-    }
+    setProxy(settings.proxy);
     CDown::Downinit();
 }
 
 ControllerPort::~ControllerPort()
 {
     shutDown({}, {});
+}
+
+void ControllerPort::setProxy(std::optional<tagProxyParam> proxy)
+{
+    m_controller->setProxyInfo(proxy ? &*proxy : nullptr);
+    m_controller->setProxySet(proxy ? 1 : 0);
 }
 
 void ControllerPort::setVideoLimit(int limit)

@@ -48,6 +48,7 @@ public:
 
     /** Videos at once, from 1 to `maxVideoLimit`; what runs is left alone. */
     void setVideoLimit(int limit);
+    void setProxy(std::optional<tagProxyParam> proxy);
 
     /**
      * Asks the site about a task's video. A task with a file name keeps its record; that of any

@@ -1,6 +1,7 @@
 #include "driver/converter.h"
 
 #include "driver/plaintext.h"
+#include "driver/texts.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -94,14 +95,13 @@ void Converter::startNext()
     });
     connect(m_process.get(), &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart)
-            end(DownloadOutcome::Failed, QStringLiteral("ffmpeg cannot be started"));
+            end(DownloadOutcome::Failed, Texts::tr("ffmpeg cannot be started"));
     });
     emit started(m_current.result);
     if (m_file->open())
         m_process->start(QStringLiteral("ffmpeg"), arguments());
     else
-        end(DownloadOutcome::Failed,
-            QStringLiteral("\"%1\" cannot be written to").arg(target.path()));
+        end(DownloadOutcome::Failed, Texts::tr("\"%1\" cannot be written to").arg(target.path()));
 }
 
 // The temporary file exists already, so ffmpeg has to overwrite it.
@@ -148,9 +148,9 @@ void Converter::processEnded(bool succeeded)
         end(DownloadOutcome::Stopped, {});
     else if (!succeeded || m_file->size() == 0)
         end(DownloadOutcome::Failed,
-            said.isEmpty() ? QStringLiteral("ffmpeg was ended") : QLatin1String("ffmpeg: ") + said);
+            said.isEmpty() ? Texts::tr("ffmpeg was ended") : QLatin1String("ffmpeg: ") + said);
     else if (!moveToTarget(path))
-        end(DownloadOutcome::Failed, QStringLiteral("\"%1\" cannot be written").arg(path));
+        end(DownloadOutcome::Failed, Texts::tr("\"%1\" cannot be written").arg(path));
     else {
         m_current.result.path = path;
         end(DownloadOutcome::Finished, {});
@@ -181,7 +181,7 @@ void Converter::end(DownloadOutcome outcome, const QString &cause)
         result.path.clear();
     if (outcome == DownloadOutcome::Failed)
         result.failure = {
-            QStringLiteral("the conversion failed, %1; the downloaded file is safe: \"%2\"")
+            Texts::tr("the conversion failed, %1; the downloaded file is safe: \"%2\"")
                 .arg(cause, m_current.source),
             {}};
     m_file.reset();                     // removes what is there still under its name

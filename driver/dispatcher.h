@@ -44,12 +44,17 @@ public:
     bool moveBefore(const QString &key, const QString &other);
     void setVideoLimit(int limit);
     int videoLimit() const { return m_videoLimit; }
+    void setThumbnails(bool wanted) { m_settings.thumbnails = wanted; }
+    void setProxy(const std::optional<tagProxyParam> &proxy) { m_port.setProxy(proxy); }
     DownloadTotals totals() const;
     DownloadProgress progress(const QString &key) const;
     TaskActivity activity(const QString &key) const;
     std::optional<QString> obstacle(const QString &key, TaskAction action) const;
+    std::optional<QString> obstacle(const CXMLInfo &record, TaskAction action) const;
 
 private:
+    std::optional<QString> liveObstacle(const QString &key, TaskAction action) const;
+
     // One turn: events in, work out, signals.
     void wake();
     Q_INVOKABLE void turn();
@@ -113,7 +118,7 @@ private:
     void endStopped(Task &task);
     void end(Task &task, DownloadResult result);
 
-    const DownloadDriver::Settings m_settings;
+    DownloadDriver::Settings m_settings;
     DownloadDriver &m_driver;
     std::atomic_bool m_turnDue{false};
     ControllerPort m_port;

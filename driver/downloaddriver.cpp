@@ -41,6 +41,16 @@ bool DownloadDriver::moveBefore(const QString &key, const QString &other)
     return m_dispatcher->moveBefore(key, other);
 }
 
+void DownloadDriver::setThumbnails(bool wanted)
+{
+    m_dispatcher->setThumbnails(wanted);
+}
+
+void DownloadDriver::setProxy(const std::optional<tagProxyParam> &proxy)
+{
+    m_dispatcher->setProxy(proxy);
+}
+
 void DownloadDriver::setVideoLimit(int limit)
 {
     m_dispatcher->setVideoLimit(limit);
@@ -79,6 +89,11 @@ QList<TaskAction> DownloadDriver::actions(const QString &key) const
 std::optional<QString> DownloadDriver::obstacle(const QString &key, TaskAction action) const
 {
     return m_dispatcher->obstacle(key, action);
+}
+
+std::optional<QString> DownloadDriver::obstacle(const CXMLInfo &record, TaskAction action) const
+{
+    return m_dispatcher->obstacle(record, action);
 }
 
 bool DownloadDriver::isIdle() const

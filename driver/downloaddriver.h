@@ -33,7 +33,7 @@ class DownloadDriver : public QObject
     Q_OBJECT
 
 public:
-    /** Fixed for the driver's life. */
+    /** What a driver begins with. */
     struct Settings
     {
         QString downloadFolder;             ///< absolute path of a folder that exists
@@ -98,6 +98,10 @@ public:
     /** Videos at once from now on, from 1 to `maxVideoLimit`; those that run are not stopped. */
     void setVideoLimit(int limit);
     int videoLimit() const;
+    /** Whether thumbnails are fetched from now on. */
+    void setThumbnails(bool wanted);
+    /** The proxy of requests from now on; nothing for none. */
+    void setProxy(const std::optional<tagProxyParam> &proxy);
 
     /** What the tasks come to now. */
     DownloadTotals totals() const;
@@ -107,8 +111,10 @@ public:
     TaskActivity activity(const QString &key) const;
     /** What can be done with a task now, be it at work or in the controller's list only. */
     QList<TaskAction> actions(const QString &key) const;
-    /** Why something cannot be done with a task now, in English; nothing when it can. */
+    /** Why something cannot be done with a task now, for people; nothing when it can. */
     std::optional<QString> obstacle(const QString &key, TaskAction action) const;
+    /** The same for a record of the controller's list. The caller holds the controller lock. */
+    std::optional<QString> obstacle(const CXMLInfo &record, TaskAction action) const;
 
     /** Whether no task waits or runs, and nothing is left to be told. */
     bool isIdle() const;

@@ -1,6 +1,17 @@
 #include "driver/downloadsession.h"
 
 #include "driver/conversions.h"
+#include "driver/texts.h"
+
+namespace {
+
+std::optional<QString> conversionObstacle(TaskAction action)
+{
+    return action == TaskAction::Stop ? std::nullopt
+                                      : std::optional(Texts::tr("the video is being converted"));
+}
+
+} // namespace
 
 DownloadSession::DownloadSession(const DownloadDriver::Settings &settings, QObject *parent)
     : QObject(parent), m_driver(settings), m_unfinishedFiles(settings.unfinishedFiles)
@@ -75,11 +86,13 @@ bool DownloadSession::isConverting(const QString &key) const
 
 std::optional<QString> DownloadSession::obstacle(const QString &key, TaskAction action) const
 {
-    if (!isConverting(key))
-        return m_driver.obstacle(key, action);
-    return action == TaskAction::Stop
-               ? std::nullopt
-               : std::optional(QStringLiteral("the video is being converted"));
+    return isConverting(key) ? conversionObstacle(action) : m_driver.obstacle(key, action);
+}
+
+std::optional<QString> DownloadSession::obstacle(const CXMLInfo &record, TaskAction action) const
+{
+    return isConverting(record.MD5Code) ? conversionObstacle(action)
+                                        : m_driver.obstacle(record, action);
 }
 
 // As if the task had been asked for again, and found that its file is there.
@@ -90,11 +103,11 @@ QString DownloadSession::convert(const QString &key, const Profile_Desc &wish)
         const ControllerLock lock;
         const CXMLInfo *record = controller().getXMLInfo(key);
         if (record == nullptr || obstacle(key, TaskAction::Open))
-            return QStringLiteral("only a finished task whose file is there can be converted");
+            return Texts::tr("only a finished task whose file is there can be converted");
         request = taskrecord::requestFor(*record);
     }
     if (!Converter::isAvailable())
-        return QStringLiteral("ffmpeg is not installed");
+        return Texts::tr("ffmpeg is not installed");
     addAndConvert(request, wish);
     return {};
 }

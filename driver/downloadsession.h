@@ -55,8 +55,10 @@ public:
     bool isIdle() const;
     /** Whether the task waits for its conversion, or is being converted. */
     bool isConverting(const QString &key) const;
-    /** Why something cannot be done with a task now, in English; nothing when it can. */
+    /** Why something cannot be done with a task now, for people; nothing when it can. */
     std::optional<QString> obstacle(const QString &key, TaskAction action) const;
+    /** The same for a record of the controller's list. The caller holds the controller lock. */
+    std::optional<QString> obstacle(const CXMLInfo &record, TaskAction action) const;
 
 signals:
     /** The task's video is being converted; `ended` will not come a second time. */

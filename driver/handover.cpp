@@ -2,6 +2,7 @@
 #include "driver/dispatcher.h"
 
 #include "driver/taskrecord.h"
+#include "driver/texts.h"
 
 #include <algorithm>
 #include <variant>
@@ -119,11 +120,11 @@ FailureReason Dispatcher::refusal(const QString &key)
     const ControllerLock lock;
     const CXMLInfo *record = controller().getXMLInfo(key);
     if (record != nullptr && !fitsField(record->FileName, sizeof tagTaskInfo::szSavePath))
-        return {QStringLiteral("the path of the file is too long: \"%1\"").arg(record->FileName),
-                QStringLiteral("Choose a folder with a shorter path.")};
+        return {Texts::tr("the path of the file is too long: \"%1\"").arg(record->FileName),
+                Texts::tr("Choose a folder with a shorter path.")};
     if (record != nullptr && !fitsField(record->DownLoadURL, sizeof tagTaskInfo::szDownloadURL))
-        return {QStringLiteral("the site's address of the video is too long"),
-                QStringLiteral("Choose another format.")};
-    return {QStringLiteral("the download engine did not take the request"),
-            QStringLiteral("Try again later.")};
+        return {Texts::tr("the site's address of the video is too long"),
+                Texts::tr("Choose another format.")};
+    return {Texts::tr("the download engine did not take the request"),
+            Texts::tr("Try again later.")};
 }

@@ -1,5 +1,7 @@
 #include "driver/historylock.h"
 
+#include "driver/texts.h"
+
 #include <QDateTime>
 #include <QFileInfo>
 #include <QThread>
@@ -23,19 +25,18 @@ QString HistoryLock::take()
     while (!m_lock.tryLock(0)) {
         const QString program = holder();
         if (!program.isEmpty())
-            return QStringLiteral("%1 is in use by %2").arg(m_history, program);
+            return Texts::tr("%1 is in use by %2").arg(m_history, program);
         if (m_lock.error() != QLockFile::LockFailedError)
-            return QStringLiteral("%1 cannot be locked: its folder cannot be written")
-                .arg(m_history);
+            return Texts::tr("%1 cannot be locked: its folder cannot be written").arg(m_history);
         const QFileInfo file(m_lock.fileName());
         if (file.exists() && !file.isFile())
-            return QStringLiteral("%1 cannot be locked: \"%2\" is in the way")
+            return Texts::tr("%1 cannot be locked: \"%2\" is in the way")
                 .arg(m_history, file.filePath());
         const qint64 age = qAbs(file.lastModified().msecsTo(QDateTime::currentDateTime()));
         if (age < writingMilliseconds)
             QThread::msleep(pauseMilliseconds);
         else if (file.exists() && !m_lock.removeStaleLockFile())
-            return QStringLiteral("%1 cannot be locked: \"%2\" cannot be read or removed")
+            return Texts::tr("%1 cannot be locked: \"%2\" cannot be read or removed")
                 .arg(m_history, file.filePath());
     }
     return {};

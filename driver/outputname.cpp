@@ -4,6 +4,7 @@
 #include "driver/disk.h"
 #include "driver/plaintext.h"
 #include "driver/taskrecord.h"
+#include "driver/texts.h"
 
 #include <QDir>
 #include <QFile>
@@ -22,21 +23,21 @@ bool isSameFolder(const QString &one, const QString &other)
 
 FailureReason cannotWrite(const QString &path, const QString &error)
 {
-    return {QStringLiteral("\"%1\" cannot be written (%2)").arg(path, error),
-            QStringLiteral("Choose an output folder that you may write to.")};
+    return {Texts::tr("\"%1\" cannot be written (%2)").arg(path, error),
+            Texts::tr("Choose an output folder that you may write to.")};
 }
 
 FailureReason copyFailed(const FinishedFiles &files, qint64 size)
 {
     const QString folder = QFileInfo(files.copy).path();
     const bool full = QStorageInfo(folder).bytesAvailable() < size;
-    return {QStringLiteral("the copy into \"%1\" failed, %2; the downloaded file is safe: \"%3\"")
-                .arg(folder,
-                     full ? QStringLiteral("the disk is full")
-                          : QStringLiteral("the folder cannot be written"),
-                     files.video),
-            full ? QStringLiteral("Free some space and copy the file yourself.")
-                 : QStringLiteral("Copy the file yourself, or choose another output folder.")};
+    return {
+        Texts::tr("the copy into \"%1\" failed, %2; the downloaded file is safe: \"%3\"")
+            .arg(folder,
+                 full ? Texts::tr("the disk is full") : Texts::tr("the folder cannot be written"),
+                 files.video),
+        full ? Texts::tr("Free some space and copy the file yourself.")
+             : Texts::tr("Copy the file yourself, or choose another output folder.")};
 }
 
 // Whether the library would make the task's own path of its own base name.
@@ -103,7 +104,7 @@ void abandonOwn(const OutputPlace &place)
 std::variant<OutputName, FailureReason> chooseOutputName(const OutputPlace &place)
 {
     if (place.copies && !QDir().mkpath(place.copyFolder))
-        return cannotWrite(place.copyFolder, QStringLiteral("it cannot be made"));
+        return cannotWrite(place.copyFolder, Texts::tr("it cannot be made"));
     if (const auto own = ownName(place))
         return *own;
     abandonOwn(place);
@@ -138,8 +139,8 @@ std::optional<FailureReason> missingFile(const FinishedFiles &files)
 {
     const QFileInfo video(files.video);
     if (!video.isFile())
-        return FailureReason{QStringLiteral("the downloaded file \"%1\" is gone").arg(files.video),
-                             QStringLiteral("Start the download again.")};
+        return FailureReason{Texts::tr("the downloaded file \"%1\" is gone").arg(files.video),
+                             Texts::tr("Start the download again.")};
     if (files.copy.isEmpty() || QFileInfo(files.copy).size() == video.size())
         return std::nullopt;
     return copyFailed(files, video.size());

@@ -3,6 +3,7 @@
 #include "driver/disk.h"
 #include "driver/plaintext.h"
 #include "driver/taskrecord.h"
+#include "driver/texts.h"
 
 #include <QFileInfo>
 
@@ -50,15 +51,15 @@ QString obstacle(const CXMLInfo &record, const Renaming &names)
     if (const auto why = taskrecord::obstacle(record, TaskAction::Rename))
         return *why;
     if (names.base.isEmpty())
-        return QStringLiteral("nothing of that name can be used in a file name");
+        return Texts::tr("nothing of that name can be used in a file name");
     const bool isOwn = record.IsOrgVideo == 1 || !record.ConvertionDesc.isEmpty();
     if (!names.oldCopy.isEmpty() &&
         (!isOwn || inFolderOf(names.oldCopy, record.BaseName) != names.oldCopy))
-        return QStringLiteral("\"%1\" is not the task's, or has another name than the video")
+        return Texts::tr("\"%1\" is not the task's, or has another name than the video")
             .arg(names.oldCopy);
     for (const QString &path : {names.newVideo, names.newCopy}) {
         if (!path.isEmpty() && disk::isTaken(path))
-            return QStringLiteral("\"%1\" exists already").arg(path);
+            return Texts::tr("\"%1\" exists already").arg(path);
     }
     return {};
 }
@@ -79,7 +80,7 @@ QString renameTask(CDown &controller, const QString &key, const QString &name)
         const ControllerLock lock;
         const CXMLInfo *record = controller.getXMLInfo(key);
         if (record == nullptr)
-            return QStringLiteral("there is no such task");
+            return Texts::tr("there is no such task");
         names = renamingOf(*record, name);
         const QString why = obstacle(*record, names);
         if (!why.isEmpty())
@@ -88,7 +89,7 @@ QString renameTask(CDown &controller, const QString &key, const QString &name)
     if (renameFiles(controller, names))
         return {};
     return disk::isTaken(names.oldVideo)
-               ? QStringLiteral("\"%1\" cannot be renamed").arg(names.oldVideo)
-               : QStringLiteral("\"%1\" cannot be renamed; the video is \"%2\" now")
+               ? Texts::tr("\"%1\" cannot be renamed").arg(names.oldVideo)
+               : Texts::tr("\"%1\" cannot be renamed; the video is \"%2\" now")
                      .arg(names.oldCopy, names.newVideo);
 }

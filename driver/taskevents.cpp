@@ -4,6 +4,7 @@
 #include "driver/outputname.h"
 #include "driver/plaintext.h"
 #include "driver/taskrecord.h"
+#include "driver/texts.h"
 
 #include <cmath>
 #include <utility>
@@ -31,8 +32,8 @@ QString siteReason(const QString &videoInfoText)
 FailureReason nothingOffered(const QString &videoInfoText, const QString &advice)
 {
     const QString reason = siteReason(videoInfoText);
-    return {reason.isEmpty() ? QStringLiteral("the site offers no formats of this video")
-                             : QStringLiteral("the site refuses this video: %1").arg(reason),
+    return {reason.isEmpty() ? Texts::tr("the site offers no formats of this video")
+                             : Texts::tr("the site refuses this video: %1").arg(reason),
             advice};
 }
 
@@ -210,13 +211,13 @@ void Dispatcher::stopAtWork(Task &task)
 FailureReason Dispatcher::reasonFor(const Task &task, double code) const
 {
     if (task.diskFull)
-        return {QStringLiteral("the disk of \"%1\" is full").arg(task.request.downloadFolder),
-                QStringLiteral("Free some space, or choose another folder.")};
+        return {Texts::tr("the disk of \"%1\" is full").arg(task.request.downloadFolder),
+                Texts::tr("Free some space, or choose another folder.")};
     const auto text = [code](const std::function<QString(double)> &of) {
         return of ? of(code) : QString();
     };
     const QString cause = text(m_settings.failureText);
-    return {cause.isEmpty() ? QStringLiteral("the transfer failed (code %1)").arg(code) : cause,
+    return {cause.isEmpty() ? Texts::tr("the transfer failed (code %1)").arg(code) : cause,
             text(m_settings.failureAdvice)};
 }
 
@@ -235,8 +236,8 @@ void Dispatcher::endPresent(Task &task)
     if (!task.request.inspectOnly) {
         end(task, result);
     } else if (task.offer.formats().isEmpty()) {
-        endFailed(task, {QStringLiteral("the video is in the list, but the site has not yet said "
-                                        "what it offers"),
+        endFailed(task, {Texts::tr("the video is in the list, but the site has not yet said "
+                                   "what it offers"),
                          {}});
     } else {
         result.offer = task.offer;

@@ -1,6 +1,7 @@
 #include "driver/taskrecord.h"
 
 #include "driver/disk.h"
+#include "driver/texts.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -41,22 +42,22 @@ std::optional<QString> obstacle(const CXMLInfo &record, TaskAction action)
     switch (action) {
     case TaskAction::Resume:
         return unless(isInterrupted(record) || stateOf(record) == TaskState::Stopped,
-                      QStringLiteral("only an interrupted or stopped task can be resumed"));
+                      Texts::tr("only an interrupted or stopped task can be resumed"));
     case TaskAction::Retry:
-        return unless(!isFinished, QStringLiteral("a finished task is not tried again"));
+        return unless(!isFinished, Texts::tr("a finished task is not tried again"));
     case TaskAction::Upgrade:
         return unless(isFinished && isDownloaded(record),
-                      QStringLiteral("only a finished task can be upgraded whose video is there "
-                                     "as it was downloaded"));
+                      Texts::tr("only a finished task can be upgraded whose video is there "
+                                "as it was downloaded"));
     case TaskAction::Rename:
         return unless(isFinished && disk::isTaken(record.FileName),
-                      QStringLiteral("only a finished task whose file is there can be renamed"));
+                      Texts::tr("only a finished task whose file is there can be renamed"));
     case TaskAction::Open:
-        return unless(isFinished && isComplete(record), QStringLiteral("its file is not there"));
+        return unless(isFinished && isComplete(record), Texts::tr("its file is not there"));
     case TaskAction::Remove:
         return std::nullopt;
     default:
-        return QStringLiteral("the task is not at work");
+        return Texts::tr("the task is not at work");
     }
 }
 

@@ -2,6 +2,7 @@
 #include "driver/dispatcher.h"
 
 #include "driver/historykeeper.h"
+#include "driver/texts.h"
 
 #include <utility>
 
@@ -45,8 +46,8 @@ std::optional<FailureReason> Dispatcher::setAsideForUpgrade(const Task &task, Up
     const auto obstacle = upgrade.setAside();
     if (!obstacle)
         return std::nullopt;
-    return FailureReason{QStringLiteral("the old video cannot be kept as \"%1\"").arg(*obstacle),
-                         QStringLiteral("Move away what is in its place.")};
+    return FailureReason{Texts::tr("the old video cannot be kept as \"%1\"").arg(*obstacle),
+                         Texts::tr("Move away what is in its place.")};
 }
 
 void Dispatcher::noteUpgradeNames(const Task &task)
@@ -81,8 +82,8 @@ void Dispatcher::endUpgrade(Task &task, DownloadResult &result)
     if (left && !larger) {
         result.outcome = DownloadOutcome::Failed;
         result.failure = {
-            QStringLiteral("the old video could not be put back; it is \"%1\" now").arg(*left),
-            QStringLiteral("Make its folder writable, and rename the file.")};
+            Texts::tr("the old video could not be put back; it is \"%1\" now").arg(*left),
+            Texts::tr("Make its folder writable, and rename the file.")};
     }
     if (m_keeper != nullptr)
         m_keeper->endUpgrade(task.key);

@@ -248,6 +248,7 @@ private slots:
         QCOMPARE(ended.code, code);
         QVERIFY2(ended.error.contains(told), qPrintable(ended.error));
         QCOMPARE(contents(listed("path")[address]), file);
+        QVERIFY(!listed("path")[address].contains(u"/dl/"_s)); // it is still the source to be kept
         QCOMPARE(stateOf("yunXiaShan0"), u"finished"_s);
         QCOMPARE(files("dl").size(), 1);
     }

@@ -165,23 +165,32 @@ private slots:
 
     void actionsFollowTheSelection()
     {
-        MainWindow window(path("history.xml"));
-        TaskRow finished = makeRow(1);
-        finished.actions.set(std::size_t(TaskAction::Open));
-        finished.actions.set(std::size_t(TaskAction::Rename));
-        TaskRow failed = makeRow(2, TaskState::Failed);
-        failed.actions.set(std::size_t(TaskAction::Retry));
-        window.model().setRows({finished, failed});
-        QVERIFY(!window.action(TaskAction::Retry).isEnabled());
-        window.view().selectAll();
-        QVERIFY(window.action(TaskAction::Retry).isEnabled());             // with one of the two
-        QVERIFY(!window.action(TaskAction::Rename).isEnabled());           // of one at a time
-        window.view().setCurrentIndex(window.view().model()->index(1, 0)); // the older one
-        QVERIFY(window.action(TaskAction::Rename).isEnabled());
-        QVERIFY(!window.action(TaskAction::Retry).isEnabled());
-        finished.actions.reset();
-        window.model().setRows({finished});
-        QVERIFY(!window.action(TaskAction::Rename).isEnabled());
+        QCOMPARE(
+            run({u"get"_s, u"--history"_s, u"history.xml"_s, page("small-1"), page("failing-2")})
+                .code,
+            1);
+        auto window = openWindow();
+        QAction &retry = window->action(TaskAction::Retry);
+        QAction &rename = window->action(TaskAction::Rename);
+        const auto select = [&](const QString &title) {
+            const QAbstractItemModel &rows = *window->view().model();
+            const auto found = rows.match(rows.index(0, 0), Qt::DisplayRole, title, 1);
+            window->view().setCurrentIndex(found.value(0));
+        };
+        QVERIFY(!retry.isEnabled());
+        window->view().selectAll();
+        QTRY_VERIFY(retry.isEnabled()); // with one of the two
+        QVERIFY(!rename.isEnabled());   // of one at a time
+        QVERIFY(rename.toolTip().contains(u"one video"_s));
+        select(u"Small video 1"_s);
+        QTRY_VERIFY(rename.isEnabled() && !retry.isEnabled());
+        QVERIFY(retry.toolTip().contains(u"a finished task"_s));
+        QVERIFY(QFile::remove(path("Small video 1.flv")));
+        select(u"none"_s);
+        QTRY_VERIFY(!rename.isEnabled());
+        select(u"Small video 1"_s);
+        QTRY_VERIFY(rename.toolTip().contains(u"file is there"_s));
+        closeWindow(*window);
     }
 
     void downloadsFailAndAreTriedAgain()

@@ -35,6 +35,7 @@ MainWindow::MainWindow(const QString &historyPath, QWidget *parent)
       m_model(&m_thumbnails),
       m_worker(new Worker(m_settings, historyPath))
 {
+    qRegisterMetaType<Abilities>();
     qRegisterMetaType<OpenedHistory>();
     qRegisterMetaType<DownloadTotals>();
     qRegisterMetaType<DownloadResult>();
@@ -109,8 +110,6 @@ void MainWindow::makeView()
     connect(m_view->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &MainWindow::selectionChanged);
     connect(m_view, &QTreeView::activated, this, &MainWindow::openFile);
-    connect(&m_model, &QAbstractItemModel::dataChanged, this, &MainWindow::updateActions);
-    connect(&m_model, &QAbstractItemModel::rowsRemoved, this, &MainWindow::updateActions);
 }
 
 void MainWindow::makeDetails()
@@ -137,27 +136,37 @@ QAction *MainWindow::addAction(const QString &text, const QString &icon, const Q
     return action;
 }
 
-QAction *MainWindow::addTaskAction(TaskAction action, const QString &text, const QString &icon,
+QAction *MainWindow::addTaskAction(TaskAction needs, const QString &text, const QString &icon,
                                    const QKeySequence &keys, Step step)
 {
     auto *made = new QAction(QIcon::fromTheme(icon), text, this);
     made->setShortcut(keys);
-    connect(made, &QAction::triggered, this, [this, action, step] {
+    connect(made, &QAction::triggered, this, [this, needs, step] {
         if (step != nullptr)
             (this->*step)();
         else
-            perform(action);
+            perform(needs);
     });
-    m_actions.insert(int(action), made);
-    m_plainToolTips.insert(int(action), made->toolTip());
+    const bool single = needs == TaskAction::Rename || step == Step(&MainWindow::openFile);
+    m_taskButtons.append({made, needs, single, made->toolTip()});
     return made;
+}
+
+QAction &MainWindow::action(TaskAction action)
+{
+    return *std::find_if(m_taskButtons.cbegin(), m_taskButtons.cend(), [action](const auto &each) {
+                return each.needs == action;
+            })->action;
 }
 
 void MainWindow::makeActions()
 {
-    m_addAction = addAction(tr("&Add…"), QStringLiteral("list-add"), QKeySequence::New,
-                            &MainWindow::showAddDialog);
-    m_addAction->setIcon(iconNamed(QStringLiteral("list-add"), QStyle::SP_FileDialogNewFolder));
+    const auto named = [this](QAction *action, const char *icon, QStyle::StandardPixmap otherwise) {
+        action->setIcon(iconNamed(QLatin1String(icon), otherwise));
+        return action;
+    };
+    m_addAction = named(addAction(tr("&Add…"), {}, QKeySequence::New, &MainWindow::showAddDialog),
+                        "list-add", QStyle::SP_FileDialogNewFolder);
     QAction *pasteAction = addAction(tr("&Paste addresses"), QStringLiteral("edit-paste"),
                                      QKeySequence::Paste, &MainWindow::paste);
     QAction *settings =
@@ -169,72 +178,68 @@ void MainWindow::makeActions()
     connect(quit, &QAction::triggered, this, &QWidget::close);
 
     using A = TaskAction;
-    QAction *pause = addTaskAction(A::Pause, tr("&Pause"), QStringLiteral("media-playback-pause"),
-                                   QKeySequence(Qt::CTRL | Qt::Key_P));
-    pause->setIcon(iconNamed(QStringLiteral("media-playback-pause"), QStyle::SP_MediaPause));
-    QAction *go =
-        addTaskAction(A::Continue, tr("C&ontinue"), QStringLiteral("media-playback-start"),
-                      QKeySequence(Qt::CTRL | Qt::Key_G));
-    go->setIcon(iconNamed(QStringLiteral("media-playback-start"), QStyle::SP_MediaPlay));
-    QAction *stop = addTaskAction(A::Stop, tr("&Stop"), QStringLiteral("media-playback-stop"),
-                                  QKeySequence(Qt::CTRL | Qt::Key_S));
-    stop->setIcon(iconNamed(QStringLiteral("media-playback-stop"), QStyle::SP_MediaStop));
-    QAction *resume = addTaskAction(A::Resume, tr("&Resume"), QStringLiteral("go-next"),
-                                    QKeySequence(Qt::CTRL | Qt::Key_R));
-    resume->setIcon(iconNamed(QStringLiteral("go-next"), QStyle::SP_MediaSkipForward));
-    QAction *retry = addTaskAction(A::Retry, tr("&Try again"), QStringLiteral("view-refresh"),
-                                   QKeySequence(Qt::Key_F5));
-    retry->setIcon(iconNamed(QStringLiteral("view-refresh"), QStyle::SP_BrowserReload));
-    m_moveUp = addAction(tr("Move &up"), QStringLiteral("go-up"),
-                         QKeySequence(Qt::ALT | Qt::Key_Up), &MainWindow::moveUp);
-    m_moveDown = addAction(tr("Move &down"), QStringLiteral("go-down"),
-                           QKeySequence(Qt::ALT | Qt::Key_Down), &MainWindow::moveDown);
-    QAction *open = addTaskAction(A::Open, tr("&Open file"), QStringLiteral("document-open"),
-                                  QKeySequence(Qt::CTRL | Qt::Key_O), &MainWindow::openFile);
-    open->setIcon(iconNamed(QStringLiteral("document-open"), QStyle::SP_DialogOpenButton));
+    QAction *pause = named(addTaskAction(A::Pause, tr("&Pause"), {}, Qt::CTRL | Qt::Key_P),
+                           "media-playback-pause", QStyle::SP_MediaPause);
+    QAction *go = named(addTaskAction(A::Continue, tr("C&ontinue"), {}, Qt::CTRL | Qt::Key_G),
+                        "media-playback-start", QStyle::SP_MediaPlay);
+    QAction *stop = named(addTaskAction(A::Stop, tr("&Stop"), {}, Qt::CTRL | Qt::Key_S),
+                          "media-playback-stop", QStyle::SP_MediaStop);
+    QAction *resume = named(addTaskAction(A::Resume, tr("&Resume"), {}, Qt::CTRL | Qt::Key_R),
+                            "go-next", QStyle::SP_MediaSkipForward);
+    QAction *retry = named(addTaskAction(A::Retry, tr("&Try again"), {}, Qt::Key_F5),
+                           "view-refresh", QStyle::SP_BrowserReload);
+    QAction *up = addTaskAction(A::Move, tr("Move &up"), QStringLiteral("go-up"),
+                                Qt::ALT | Qt::Key_Up, &MainWindow::moveUp);
+    QAction *down = addTaskAction(A::Move, tr("Move &down"), QStringLiteral("go-down"),
+                                  Qt::ALT | Qt::Key_Down, &MainWindow::moveDown);
+    QAction *open = named(
+        addTaskAction(A::Open, tr("&Open file"), {}, Qt::CTRL | Qt::Key_O, &MainWindow::openFile),
+        "document-open", QStyle::SP_DialogOpenButton);
     QAction *folder =
         addAction(tr("Open &folder"), QStringLiteral("folder-open"),
                   QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_O), &MainWindow::openFolder);
     QAction *copy = addAction(tr("&Copy address"), QStringLiteral("edit-copy"), QKeySequence::Copy,
                               &MainWindow::copyAddresses);
     QAction *rename = addTaskAction(A::Rename, tr("Re&name…"), QStringLiteral("edit-rename"),
-                                    QKeySequence(Qt::Key_F2), &MainWindow::renameTask);
+                                    Qt::Key_F2, &MainWindow::renameTask);
     QAction *upgrade = addTaskAction(A::Upgrade, tr("&Larger picture…"), QStringLiteral("zoom-in"),
-                                     QKeySequence(Qt::CTRL | Qt::Key_L), &MainWindow::upgradeTasks);
-    m_convertAction = addAction(tr("Con&vert…"), QStringLiteral("system-run"),
-                                QKeySequence(Qt::CTRL | Qt::Key_T), &MainWindow::convertTasks);
-    QAction *remove =
-        addTaskAction(A::Remove, tr("Re&move from list"), QStringLiteral("list-remove"),
-                      QKeySequence::Delete, &MainWindow::removeTasks);
-    remove->setIcon(iconNamed(QStringLiteral("list-remove"), QStyle::SP_DialogCloseButton));
-    m_deleteAction = addAction(tr("&Delete files…"), QStringLiteral("edit-delete"),
-                               QKeySequence(Qt::SHIFT | Qt::Key_Delete), &MainWindow::deleteTasks);
-    m_deleteAction->setIcon(iconNamed(QStringLiteral("edit-delete"), QStyle::SP_TrashIcon));
+                                     Qt::CTRL | Qt::Key_L, &MainWindow::upgradeTasks);
+    QAction *convert = addTaskAction(A::Open, tr("Con&vert…"), QStringLiteral("system-run"),
+                                     Qt::CTRL | Qt::Key_T, &MainWindow::convertTasks);
+    QAction *remove = named(addTaskAction(A::Remove, tr("Re&move from list"), {},
+                                          QKeySequence::Delete, &MainWindow::removeTasks),
+                            "list-remove", QStyle::SP_DialogCloseButton);
+    QAction *erase = named(addTaskAction(A::Remove, tr("&Delete files…"), {},
+                                         Qt::SHIFT | Qt::Key_Delete, &MainWindow::deleteTasks),
+                           "edit-delete", QStyle::SP_TrashIcon);
     m_selectionActions = {folder, copy};
 
-    QMenu *file = new QMenu(tr("&File"), this);
-    file->addActions({m_addAction, pasteAction});
-    file->addSeparator();
-    file->addActions({settings, quit});
-    auto *task = new QMenu(tr("&Video"), this);
-    task->addActions({pause, go, stop, resume, retry, m_moveUp, m_moveDown});
-    task->addSeparator();
-    task->addActions({open, folder, copy, rename, upgrade, m_convertAction});
-    task->addSeparator();
-    task->addActions({remove, m_deleteAction});
-    QAction *view = menuBar()->actions().first();
-    menuBar()->insertMenu(view, file);
-    menuBar()->insertMenu(view, task);
-    m_view->addActions(task->actions());
-
+    addMenu(tr("&File"), {{m_addAction, pasteAction}, {settings, quit}});
+    addMenu(tr("&Video"), {{pause, go, stop, resume, retry, up, down},
+                           {open, folder, copy, rename, upgrade, convert},
+                           {remove, erase}});
+    m_view->addActions(menuBar()->actions().at(1)->menu()->actions());
     QToolBar *bar = addToolBar(tr("Tools"));
     bar->setObjectName(QStringLiteral("tools"));
     bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    bar->addAction(m_addAction);
-    bar->addSeparator();
-    bar->addActions({pause, go, stop, resume, retry});
-    bar->addSeparator();
-    bar->addActions({open, remove});
+    for (const QList<QAction *> &actions :
+         {QList<QAction *>{m_addAction}, {pause, go, stop, resume, retry}, {open, remove}}) {
+        bar->addActions(actions);
+        if (actions.last() != remove)
+            bar->addSeparator();
+    }
+}
+
+// Before the menu of views, which the details pane has made.
+void MainWindow::addMenu(const QString &title, const QList<QList<QAction *>> &groups)
+{
+    auto *menu = new QMenu(title, this);
+    for (const QList<QAction *> &group : groups) {
+        if (!menu->isEmpty())
+            menu->addSeparator();
+        menu->addActions(group);
+    }
+    menuBar()->insertMenu(menuBar()->actions().last(), menu);
 }
 
 void MainWindow::makeFilter()
@@ -274,11 +279,12 @@ void MainWindow::connectWorker()
 {
     connect(m_worker, &Worker::opened, this, &MainWindow::historyOpened);
     connect(m_worker, &Worker::closed, this, &MainWindow::historyClosed);
-    connect(m_worker, &Worker::rowsChanged, &m_model, &TaskModel::setRows);
+    connect(m_worker, &Worker::rowsChanged, this, &MainWindow::rowsChanged);
     connect(m_worker, &Worker::rowsRemoved, &m_model,
             qOverload<const QStringList &>(&TaskModel::removeRows));
     connect(m_worker, &Worker::totalsChanged, this, &MainWindow::showTotals);
     connect(m_worker, &Worker::detailsFound, this, &MainWindow::showDetails);
+    connect(m_worker, &Worker::abilitiesFound, this, &MainWindow::showAbilities);
     connect(m_worker, &Worker::filesFound, this, &MainWindow::askForDeletion);
     connect(m_worker, &Worker::idle, this, &MainWindow::lastEnded);
     connect(m_worker, &Worker::message, this,

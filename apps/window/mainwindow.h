@@ -43,7 +43,7 @@ public:
 
     TaskModel &model() { return m_model; }
     QTreeView &view() { return *m_view; }
-    QAction &action(TaskAction action) { return *m_actions.value(int(action)); }
+    QAction &action(TaskAction action);
 
 signals:
     /** The history has been read. */
@@ -59,6 +59,15 @@ protected:
 private:
     using Step = void (MainWindow::*)();
 
+    // What the user can do with the selected tasks, as far as one of them allows it.
+    struct TaskButton
+    {
+        QAction *action;
+        TaskAction needs;
+        bool single; // of one task at a time
+        QString toolTip;
+    };
+
     // Setting up (mainwindow.cpp)
     void makeView();
     void makeDetails();
@@ -67,8 +76,9 @@ private:
     void makeTray();
     QAction *addAction(const QString &text, const QString &icon, const QKeySequence &keys,
                        Step step);
-    QAction *addTaskAction(TaskAction action, const QString &text, const QString &icon,
+    QAction *addTaskAction(TaskAction needs, const QString &text, const QString &icon,
                            const QKeySequence &keys, Step step = nullptr);
+    void addMenu(const QString &title, const QList<QList<QAction *>> &groups);
     void connectWorker();
     void restoreLook();
     void saveLook();
@@ -77,11 +87,15 @@ private:
     void historyOpened(const OpenedHistory &history);
     void historyClosed(const QString &problem);
     void showTotals(const DownloadTotals &totals);
+    void rowsChanged(const QList<TaskRow> &rows);
     void showDetails(const TaskDetails &details);
+    void showAbilities(const Abilities &abilities);
     void askForDeletion(const QStringList &keys, const QStringList &files);
     void lastEnded();
 
     // What the user does (windowactions.cpp)
+    void askForAbilities();
+    void askForDetails();
     void updateActions();
     void selectionChanged();
     void showAddDialog();
@@ -102,10 +116,12 @@ private:
 
     QStringList selectedKeys() const;
     const TaskRow *selectedRow() const;
+    // Nothing comes after "close", which ends the worker's session.
     template <typename Function>
     void tellWorker(Function function)
     {
-        QMetaObject::invokeMethod(m_worker, std::move(function), Qt::QueuedConnection);
+        if (!m_closing)
+            QMetaObject::invokeMethod(m_worker, std::move(function), Qt::QueuedConnection);
     }
 
     QSettings m_stored;
@@ -123,14 +139,13 @@ private:
     QLabel m_totals;
     QLabel m_state;
     QSystemTrayIcon m_tray;
-    QHash<int, QAction *> m_actions;     // by TaskAction
+    QList<TaskButton> m_taskButtons;
     QList<QAction *> m_selectionActions; // that need a selection, whatever its state
-    QAction *m_deleteAction = nullptr;
-    QAction *m_convertAction = nullptr;
-    QAction *m_moveUp = nullptr;
-    QAction *m_moveDown = nullptr;
     QAction *m_addAction = nullptr;
-    QHash<int, QString> m_plainToolTips;
+    Abilities m_abilities; // of the selected tasks, as last heard
+    bool m_asking = false; // for abilities
+    bool m_askAgain = false;
+    QString m_shownState; // of the task in the details pane
     QPointer<AddDialog> m_addDialog;
     bool m_readOnly = false;
     bool m_closing = false;

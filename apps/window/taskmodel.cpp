@@ -37,6 +37,8 @@ QString durationText(qint64 seconds)
 TaskModel::TaskModel(Thumbnails *thumbnails, QObject *parent)
     : QAbstractTableModel(parent), m_thumbnails(thumbnails)
 {
+    m_collator.setNumericMode(true);
+    m_collator.setCaseSensitivity(Qt::CaseInsensitive);
     if (thumbnails != nullptr)
         connect(thumbnails, &Thumbnails::ready, this, &TaskModel::changeThumbnail);
 }
@@ -55,7 +57,7 @@ QVariant TaskModel::data(const QModelIndex &index, int role) const
 {
     if (!checkIndex(index, CheckIndexOption::IndexIsValid))
         return {};
-    const TaskRow &row = m_rows.at(index.row());
+    const TaskRow &row = m_rows.at(index.row()).row;
     switch (role) {
     case Qt::DisplayRole:
     case Qt::AccessibleTextRole:
@@ -70,16 +72,10 @@ QVariant TaskModel::data(const QModelIndex &index, int role) const
         return index.column() == Size || index.column() == Speed || index.column() == TimeLeft
                    ? QVariant(Qt::AlignVCenter | Qt::AlignRight)
                    : QVariant(Qt::AlignVCenter | Qt::AlignLeft);
-    case SortRole:
-        return sortValue(row, index.column());
     case KeyRole:
         return row.key;
-    case GroupRole:
-        return int(groupOf(row));
     case PercentRole:
         return row.percent;
-    case SearchRole:
-        return QString(row.title + u'\n' + row.address + u'\n' + row.path);
     default:
         return {};
     }
@@ -133,24 +129,37 @@ QString TaskModel::text(const TaskRow &row, int column) const
     }
 }
 
-QVariant TaskModel::sortValue(const TaskRow &row, int column) const
+bool TaskModel::isLess(int left, int right, int column) const
 {
+    const Line &one = m_rows.at(left);
+    const Line &other = m_rows.at(right);
+    const auto speed = [](const TaskRow &row) {
+        return isMoving(row) ? row.progress.bytesPerSecond : qint64(-1);
+    };
     switch (column) {
     case State:
-        return int(groupOf(row));
+        return groupOf(one.row) < groupOf(other.row);
     case Progress:
-        return row.percent;
+        return one.row.percent < other.row.percent;
     case Size:
-        return row.progress.total;
+        return one.row.progress.total < other.row.progress.total;
     case Speed:
-        return isMoving(row) ? row.progress.bytesPerSecond : qint64(-1);
+        return speed(one.row) < speed(other.row);
     case TimeLeft:
-        return secondsLeft(row);
+        return secondsLeft(one.row) < secondsLeft(other.row);
     case Added:
-        return row.added;
+        return one.added < other.added;
     default:
-        return text(row, column);
+        return one.order < other.order;
     }
+}
+
+bool TaskModel::matches(int row, TaskGroup group, const QStringList &words) const
+{
+    const Line &line = m_rows.at(row);
+    return (group == TaskGroup::All || groupOf(line.row) == group) &&
+           std::all_of(words.cbegin(), words.cend(),
+                       [&line](const QString &word) { return line.search.contains(word); });
 }
 
 QString TaskModel::toolTip(const TaskRow &row, int column) const
@@ -214,6 +223,24 @@ QString TaskModel::stateText(const TaskRow &row)
     return tr("Unknown");
 }
 
+TaskModel::Line TaskModel::lineOf(const TaskRow &row) const
+{
+    return {row, m_collator.sortKey(text(row, Title)),
+            QString(row.title + u'\n' + row.address + u'\n' + row.path).toLower(),
+            row.added.toMSecsSinceEpoch()};
+}
+
+void TaskModel::change(int place, const TaskRow &row)
+{
+    Line &line = m_rows[place];
+    const bool sameTexts = line.row.title == row.title && line.row.address == row.address &&
+                           line.row.path == row.path && line.row.added == row.added;
+    if (sameTexts)
+        line.row = row;
+    else
+        line = lineOf(row);
+}
+
 void TaskModel::setRows(const QList<TaskRow> &rows)
 {
     const int known = int(m_rows.size());
@@ -227,31 +254,54 @@ void TaskModel::setRows(const QList<TaskRow> &rows)
         } else if (*place >= known) { // twice in one go
             fresh[*place - known] = row;
         } else {
-            m_rows[*place] = row;
+            change(*place, row);
             emit dataChanged(index(*place, 0), index(*place, ColumnCount - 1));
         }
     }
     if (fresh.isEmpty())
         return;
     beginInsertRows({}, known, known + int(fresh.size()) - 1);
-    m_rows += fresh;
+    for (const TaskRow &row : std::as_const(fresh))
+        m_rows << lineOf(row);
     endInsertRows();
 }
 
 void TaskModel::removeRows(const QStringList &keys)
 {
+    QList<int> places;
     for (const QString &key : keys) {
-        const QModelIndex place = indexOf(key);
-        if (!place.isValid())
-            continue;
-        beginRemoveRows({}, place.row(), place.row());
-        m_pictures.remove(m_rows.at(place.row()).thumbnail);
-        m_rows.removeAt(place.row());
-        m_places.remove(key);
-        for (int row = place.row(); row < m_rows.size(); ++row)
-            m_places[m_rows.at(row).key] = row;
-        endRemoveRows();
+        if (const QModelIndex place = indexOf(key); place.isValid())
+            places << place.row();
     }
+    std::sort(places.begin(), places.end(), std::greater<>());
+    places.erase(std::unique(places.begin(), places.end()), places.end());
+    // Places are counted anew after each range: many ranges are cheaper as one change of
+    // everything.
+    constexpr qsizetype manyRows = 100;
+    const bool reset = places.size() > manyRows;
+    if (reset)
+        beginResetModel();
+    for (const int place : std::as_const(places)) {
+        if (!reset)
+            beginRemoveRows({}, place, place);
+        m_places.remove(m_rows.at(place).row.key);
+        m_pictures.remove(m_rows.at(place).row.thumbnail);
+        m_rows.removeAt(place);
+        if (!reset) {
+            countPlaces(place);
+            endRemoveRows();
+        }
+    }
+    if (reset) {
+        countPlaces(0);
+        endResetModel();
+    }
+}
+
+void TaskModel::countPlaces(int from)
+{
+    for (int row = from; row < m_rows.size(); ++row)
+        m_places[m_rows.at(row).row.key] = row;
 }
 
 void TaskModel::changeThumbnail(const QString &path)
@@ -264,7 +314,7 @@ void TaskModel::changeThumbnail(const QString &path)
 const TaskRow *TaskModel::find(const QString &key) const
 {
     const QModelIndex place = indexOf(key);
-    return place.isValid() ? &m_rows.at(place.row()) : nullptr;
+    return place.isValid() ? &m_rows.at(place.row()).row : nullptr;
 }
 
 QModelIndex TaskModel::indexOf(const QString &key) const
@@ -274,17 +324,20 @@ QModelIndex TaskModel::indexOf(const QString &key) const
 
 int TaskModel::count(TaskGroup group) const
 {
-    return int(std::count_if(m_rows.cbegin(), m_rows.cend(), [group](const TaskRow &row) {
-        return group == TaskGroup::All || groupOf(row) == group;
+    return int(std::count_if(m_rows.cbegin(), m_rows.cend(), [group](const Line &line) {
+        return group == TaskGroup::All || groupOf(line.row) == group;
     }));
 }
 
 TaskFilter::TaskFilter(QObject *parent) : QSortFilterProxyModel(parent)
 {
-    setSortRole(TaskModel::SortRole);
-    setSortLocaleAware(true);
-    setSortCaseSensitivity(Qt::CaseInsensitive);
     setDynamicSortFilter(true);
+}
+
+void TaskFilter::setSourceModel(QAbstractItemModel *model)
+{
+    m_tasks = qobject_cast<TaskModel *>(model);
+    QSortFilterProxyModel::setSourceModel(model);
 }
 
 void TaskFilter::setGroup(TaskGroup group)
@@ -295,26 +348,19 @@ void TaskFilter::setGroup(TaskGroup group)
 
 void TaskFilter::setText(const QString &text)
 {
-    m_words = text.split(u' ', Qt::SkipEmptyParts);
+    m_words = text.toLower().split(u' ', Qt::SkipEmptyParts);
     invalidateFilter();
 }
 
-bool TaskFilter::filterAcceptsRow(int row, const QModelIndex &parent) const
+bool TaskFilter::filterAcceptsRow(int row, const QModelIndex & /*parent*/) const
 {
-    const QModelIndex index = sourceModel()->index(row, 0, parent);
-    if (m_group != TaskGroup::All && index.data(TaskModel::GroupRole).toInt() != int(m_group))
-        return false;
-    const QString text =
-        m_words.isEmpty() ? QString() : index.data(TaskModel::SearchRole).toString();
-    return std::all_of(m_words.cbegin(), m_words.cend(), [&text](const QString &word) {
-        return text.contains(word, Qt::CaseInsensitive);
-    });
+    return m_tasks->matches(row, m_group, m_words);
 }
 
 // Equal values keep a fixed order, so that rows do not jump while they change.
 bool TaskFilter::lessThan(const QModelIndex &left, const QModelIndex &right) const
 {
-    if (QSortFilterProxyModel::lessThan(left, right))
+    if (m_tasks->isLess(left.row(), right.row(), left.column()))
         return true;
-    return !QSortFilterProxyModel::lessThan(right, left) && left.row() < right.row();
+    return left.row() < right.row() && !m_tasks->isLess(right.row(), left.row(), left.column());
 }

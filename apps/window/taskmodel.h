@@ -5,8 +5,8 @@
 #include "taskrow.h"
 
 #include <QAbstractTableModel>
+#include <QCollator>
 #include <QHash>
-#include <QMultiHash>
 #include <QSortFilterProxyModel>
 
 class Thumbnails;
@@ -22,11 +22,8 @@ class TaskModel : public QAbstractTableModel
 public:
     enum Column { Title, State, Progress, Size, Speed, TimeLeft, Added, ColumnCount };
     enum Role {
-        SortRole = Qt::UserRole, ///< a value that sorts as a person expects
-        KeyRole,                 ///< QString
-        GroupRole,               ///< TaskGroup, as int
-        PercentRole,             ///< int, 0 to 100
-        SearchRole,              ///< QString: title, address and path
+        KeyRole = Qt::UserRole, ///< QString
+        PercentRole,            ///< int, 0 to 100
     };
 
     /** @param thumbnails must outlive the model; null: no pictures */
@@ -45,18 +42,34 @@ public:
     const TaskRow *find(const QString &key) const;
     QModelIndex indexOf(const QString &key) const;
     int count(TaskGroup group) const;
+    /** Whether the row at `left` comes before the one at `right` when sorted by the column. */
+    bool isLess(int left, int right, int column) const;
+    /** @param words in lower case, all of which title, address or path must have */
+    bool matches(int row, TaskGroup group, const QStringList &words) const;
 
     static TaskGroup groupOf(const TaskRow &row);
     static QString stateText(const TaskRow &row);
 
 private:
+    // A row, and what sorting and searching would have to make of it again and again.
+    struct Line
+    {
+        TaskRow row;
+        QCollatorSortKey order; // of the title
+        QString search;
+        qint64 added = 0; // milliseconds
+    };
+
+    Line lineOf(const TaskRow &row) const;
+    void change(int place, const TaskRow &row);
+    void countPlaces(int from);
     void changeThumbnail(const QString &path);
     QString text(const TaskRow &row, int column) const;
-    QVariant sortValue(const TaskRow &row, int column) const;
     QString toolTip(const TaskRow &row, int column) const;
 
+    QCollator m_collator;
     Thumbnails *m_thumbnails;
-    QList<TaskRow> m_rows;
+    QList<Line> m_rows;
     QHash<QString, int> m_places;       // by key
     QHash<QString, QString> m_pictures; // keys by the paths of their thumbnails
 };
@@ -69,6 +82,8 @@ class TaskFilter : public QSortFilterProxyModel
 public:
     explicit TaskFilter(QObject *parent = nullptr);
 
+    /** @param model a TaskModel, which must outlive the filter */
+    void setSourceModel(QAbstractItemModel *model) override;
     void setGroup(TaskGroup group);
     /** Shows the tasks whose title, address or path has all of these words. */
     void setText(const QString &text);
@@ -78,6 +93,7 @@ protected:
     bool lessThan(const QModelIndex &left, const QModelIndex &right) const override;
 
 private:
+    TaskModel *m_tasks = nullptr;
     TaskGroup m_group = TaskGroup::All;
     QStringList m_words;
 };

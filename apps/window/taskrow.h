@@ -8,10 +8,10 @@
 
 #include <QDateTime>
 #include <QList>
-#include <QMap>
 #include <QMetaType>
 #include <QString>
 
+#include <array>
 #include <bitset>
 
 constexpr std::size_t taskActionCount = std::size_t(TaskAction::Open) + 1;
@@ -28,12 +28,10 @@ struct TaskRow
     TaskState state = TaskState::None;
     TaskActivity activity = TaskActivity::None;
     bool isConverting = false;
-    FailureReason failure;                ///< of a task that failed in this session
-    DownloadProgress progress;            ///< bytes; of a task at rest, what its record says
-    int percent = 0;                      ///< 0 to 100
-    std::bitset<taskActionCount> actions; ///< what can be done with it now
+    FailureReason failure;     ///< of a task that failed in this session
+    DownloadProgress progress; ///< bytes; of a task at rest, what its record says
+    int percent = 0;           ///< 0 to 100
 
-    bool can(TaskAction action) const { return actions.test(std::size_t(action)); }
     bool isAtWork() const { return activity != TaskActivity::None || isConverting; }
 };
 
@@ -46,11 +44,21 @@ struct TaskDetails
     QList<OfferedFormat> formats;          ///< what the site offered
     QStringList files;                     ///< those that exist
     FailureReason failure;
-    QMap<int, QString> obstacles; ///< why a TaskAction cannot be done now
-    QString conversion;           ///< what a conversion would make; empty for none
+    QString conversion; ///< what a conversion would make; empty for none
+};
+
+/** What can be done with some tasks now. */
+struct Abilities
+{
+    QStringList keys;                               ///< of the tasks
+    std::bitset<taskActionCount> possible;          ///< by TaskAction: with one of them at least
+    std::array<QString, taskActionCount> obstacles; ///< why one of them does not allow it
+
+    bool can(TaskAction action) const { return possible.test(std::size_t(action)); }
 };
 
 Q_DECLARE_METATYPE(TaskRow)
 Q_DECLARE_METATYPE(TaskDetails)
+Q_DECLARE_METATYPE(Abilities)
 
 #endif

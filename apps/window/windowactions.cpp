@@ -59,40 +59,49 @@ const TaskRow *MainWindow::selectedRow() const
 
 void MainWindow::selectionChanged()
 {
-    const QStringList keys = selectedKeys();
-    for (auto each = m_actions.cbegin(); each != m_actions.cend(); ++each)
-        each.value()->setToolTip(m_plainToolTips.value(each.key()));
-    updateActions();
-    if (keys.size() == 1)
-        tellWorker([worker = m_worker, key = keys.first()] { worker->findDetails(key); });
-    else
-        m_details->showNothing(int(keys.size()));
+    askForAbilities();
+    askForDetails();
 }
 
-// An action can be used when it can be done with one of the selected videos at least.
-void MainWindow::updateActions()
+// One question at a time: what changes before the answer is asked for after it.
+void MainWindow::askForAbilities()
+{
+    m_askAgain = m_asking;
+    if (m_asking)
+        return;
+    const QStringList keys = selectedKeys();
+    if (keys.isEmpty())
+        return showAbilities({});
+    m_asking = true;
+    tellWorker([worker = m_worker, keys] { worker->findAbilities(keys); });
+}
+
+void MainWindow::askForDetails()
 {
     const QStringList keys = selectedKeys();
-    const bool works = !m_readOnly && !m_closing;
-    const auto can = [&](TaskAction action) {
-        return std::any_of(keys.cbegin(), keys.cend(), [&](const QString &key) {
-            const TaskRow *row = m_model.find(key);
-            return row != nullptr && row->can(action);
-        });
-    };
-    for (auto each = m_actions.cbegin(); each != m_actions.cend(); ++each) {
-        const auto action = TaskAction(each.key());
-        const bool single = action == TaskAction::Rename || action == TaskAction::Open;
-        each.value()->setEnabled((works || action == TaskAction::Open) &&
-                                 (!single || keys.size() == 1) && can(action));
+    m_shownState.clear();
+    if (keys.size() != 1)
+        return m_details->showNothing(int(keys.size()));
+    m_shownState = TaskModel::stateText(*m_model.find(keys.first()));
+    tellWorker([worker = m_worker, key = keys.first()] { worker->findDetails(key); });
+}
+
+// What cannot be done says why in its tool tip.
+void MainWindow::updateActions()
+{
+    for (const TaskButton &button : std::as_const(m_taskButtons)) {
+        const QString why = button.single && m_abilities.keys.size() > 1
+                                ? tr("only one video at a time")
+                                : m_abilities.obstacles[std::size_t(button.needs)];
+        const bool can = m_abilities.can(button.needs) && !m_closing &&
+                         (!button.single || m_abilities.keys.size() == 1);
+        button.action->setEnabled(can);
+        button.action->setToolTip(can || why.isEmpty() ? button.toolTip
+                                                       : tr("%1: %2").arg(button.toolTip, why));
     }
     for (QAction *action : std::as_const(m_selectionActions))
-        action->setEnabled(!keys.isEmpty());
-    m_addAction->setEnabled(works);
-    m_deleteAction->setEnabled(works && can(TaskAction::Remove));
-    m_convertAction->setEnabled(works && can(TaskAction::Open));
-    m_moveUp->setEnabled(works && can(TaskAction::Move));
-    m_moveDown->setEnabled(works && can(TaskAction::Move));
+        action->setEnabled(!m_abilities.keys.isEmpty());
+    m_addAction->setEnabled(!m_readOnly && !m_closing);
 }
 
 void MainWindow::perform(TaskAction action)
@@ -226,7 +235,7 @@ void MainWindow::deleteTasks()
 void MainWindow::openFile()
 {
     const TaskRow *row = selectedRow();
-    if (row != nullptr && row->can(TaskAction::Open))
+    if (row != nullptr && action(TaskAction::Open).isEnabled())
         QDesktopServices::openUrl(QUrl::fromLocalFile(row->path));
 }
 

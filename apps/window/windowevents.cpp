@@ -4,10 +4,12 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QItemSelectionModel>
 #include <QLocale>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QStatusBar>
+#include <QTreeView>
 
 void MainWindow::historyOpened(const OpenedHistory &history)
 {
@@ -52,17 +54,35 @@ void MainWindow::showTotals(const DownloadTotals &totals)
     m_tray.setToolTip(QStringLiteral("%1: %2").arg(windowTitle(), m_totals.text()));
 }
 
+void MainWindow::rowsChanged(const QList<TaskRow> &rows)
+{
+    m_model.setRows(rows);
+    const QItemSelectionModel &selection = *m_view->selectionModel();
+    const auto isSelected = [&](const TaskRow &row) {
+        return selection.isSelected(m_filter.mapFromSource(m_model.indexOf(row.key)));
+    };
+    if (!selection.hasSelection() || std::none_of(rows.cbegin(), rows.cend(), isSelected))
+        return;
+    askForAbilities();
+    const TaskRow *shown = selectedKeys().size() == 1 ? selectedRow() : nullptr;
+    if (shown != nullptr && TaskModel::stateText(*shown) != m_shownState)
+        askForDetails();
+}
+
 void MainWindow::showDetails(const TaskDetails &details)
 {
     const QStringList keys = selectedKeys();
-    if (keys.size() != 1 || keys.first() != details.key)
-        return;
-    m_details->show(details);
-    for (auto each = m_actions.cbegin(); each != m_actions.cend(); ++each) {
-        const QString why = details.obstacles.value(each.key());
-        const QString plain = m_plainToolTips.value(each.key());
-        each.value()->setToolTip(why.isEmpty() ? plain : tr("%1: %2").arg(plain, why));
-    }
+    if (keys.size() == 1 && keys.first() == details.key)
+        m_details->show(details);
+}
+
+void MainWindow::showAbilities(const Abilities &abilities)
+{
+    m_asking = false;
+    m_abilities = abilities;
+    if (std::exchange(m_askAgain, false))
+        askForAbilities();
+    updateActions();
 }
 
 void MainWindow::askForDeletion(const QStringList &keys, const QStringList &files)
@@ -104,7 +124,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
         return;
     m_state.setText(tr("Stopping and saving…"));
     updateActions();
-    tellWorker([worker = m_worker] { worker->close(); });
+    QMetaObject::invokeMethod(m_worker, &Worker::close, Qt::QueuedConnection);
 }
 
 void MainWindow::historyClosed(const QString &problem)

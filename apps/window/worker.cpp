@@ -4,6 +4,7 @@
 #include "driver/renaming.h"
 #include "driver/taskrecord.h"
 #include "driver/taskrequests.h"
+#include "enginetexts.h"
 #include "taskengine/failure.h"
 #include "taskengine/options.h"
 #include "taskengine/unfinishedfiles.h"
@@ -60,10 +61,10 @@ DownloadDriver::Settings driverSettings(const Settings &settings)
     driver.proxy = proxyParam(settings.proxy);
     driver.unfinishedFiles = unfinishedFiles;
     driver.failureText = [](double code) {
-        return QString::fromStdString(taskengine::failureText(code));
+        return enginetexts::translated(taskengine::failureText(code));
     };
     driver.failureAdvice = [](double code) {
-        return QString::fromStdString(taskengine::failureAdvice(code));
+        return enginetexts::translated(taskengine::failureAdvice(code));
     };
     driver.hasExpired = [](double code) { return code == 403 || code == 410; };
     return driver;
@@ -132,7 +133,7 @@ void Worker::follow()
             });
     connect(m_session.get(), &DownloadSession::ended, this, &Worker::ended);
     connect(m_session.get(), &DownloadSession::saveFailed, this, [this](const QString &reason) {
-        emit message(QStringLiteral("The history cannot be saved: ") + reason);
+        emit message(tr("The history cannot be saved: %1").arg(reason));
     });
     connect(m_session.get(), &DownloadSession::idle, this, [this] {
         save();
@@ -162,7 +163,7 @@ bool Worker::save()
 {
     const QString problem = m_session->save();
     if (!problem.isEmpty())
-        emit message(QStringLiteral("The history cannot be saved: ") + problem);
+        emit message(tr("The history cannot be saved: %1").arg(problem));
     return problem.isEmpty();
 }
 
@@ -170,8 +171,11 @@ void Worker::applySettings(const Settings &settings)
 {
     m_settings = settings;
     configureEngine(settings);
-    if (m_session)
-        m_session->driver().setVideoLimit(settings.videoLimit);
+    if (!m_session)
+        return;
+    m_session->driver().setVideoLimit(settings.videoLimit);
+    m_session->driver().setThumbnails(settings.thumbnails);
+    m_session->driver().setProxy(proxyParam(settings.proxy));
 }
 
 void Worker::add(const QList<DownloadRequest> &requests, bool convert)
@@ -278,7 +282,7 @@ void Worker::convert(const QStringList &keys, const Profile_Desc &profile)
     for (const QString &key : keys) {
         const QString problem = isReadOnly() ? QString() : m_session->convert(key, profile);
         if (!problem.isEmpty())
-            emit message(QStringLiteral("The video cannot be converted: ") + problem);
+            emit message(tr("The video cannot be converted: %1").arg(problem));
         change(key);
     }
 }
@@ -289,7 +293,7 @@ void Worker::rename(const QString &key, const QString &name)
         return;
     const QString problem = renameTask(m_session->controller(), key, name);
     if (!problem.isEmpty())
-        emit message(QStringLiteral("The video cannot be renamed: ") + problem);
+        emit message(tr("The video cannot be renamed: %1").arg(problem));
     m_session->keeper()->commit({key});
     m_session->keeper()->settle(key);
     change(key);
@@ -330,7 +334,7 @@ void Worker::remove(const QStringList &keys, bool deleteFiles)
     for (const auto &record : std::as_const(removed)) {
         for (const QString &path : taskrecord::filesOf(*record, unfinishedFiles)) {
             if (!QFile::remove(path))
-                emit message(QStringLiteral("\"%1\" cannot be deleted").arg(path));
+                emit message(tr("\"%1\" cannot be deleted.").arg(path));
         }
     }
 }
@@ -340,11 +344,6 @@ void Worker::findDetails(const QString &key)
     TaskDetails details;
     details.key = key;
     details.failure = m_failures.value(key);
-    for (std::size_t each = 0; each < taskActionCount; ++each) {
-        const auto obstacle = m_session->obstacle(key, TaskAction(each));
-        if (obstacle)
-            details.obstacles.insert(int(each), *obstacle);
-    }
     const QJsonObject conversion = conversions::describe(m_session->controller(), key);
     if (conversion.value(QStringLiteral("needed")).toBool())
         details.conversion = conversion.value(QStringLiteral("target")).toString();
@@ -361,12 +360,50 @@ void Worker::findDetails(const QString &key)
     emit detailsFound(details);
 }
 
+void Worker::findAbilities(const QStringList &keys)
+{
+    Abilities abilities;
+    abilities.keys = keys;
+    const QSet<QString> wanted(keys.cbegin(), keys.cend());
+    {
+        const ControllerLock lock;
+        const auto &all = m_session->controller().m_pHistory->m_InfoList;
+        for (auto record = all.cbegin(); record != all.cend() && !abilities.possible.all();
+             ++record) {
+            if (wanted.contains((*record)->MD5Code))
+                judge(**record, abilities);
+        }
+    }
+    emit abilitiesFound(abilities);
+}
+
+void Worker::judge(const CXMLInfo &record, Abilities &abilities) const
+{
+    for (std::size_t each = 0; each < taskActionCount; ++each) {
+        const auto action = TaskAction(each);
+        if (abilities.can(action))
+            continue;
+        const auto obstacle = isReadOnly() && action != TaskAction::Open
+                                  ? std::optional(tr("another program has the history"))
+                                  : m_session->obstacle(record, action);
+        abilities.possible.set(each, !obstacle.has_value());
+        abilities.obstacles[each] = obstacle.value_or(QString());
+    }
+}
+
 void Worker::readAll()
 {
-    const ControllerLock lock;
-    for (const CXMLInfo *record : std::as_const(m_session->controller().m_pHistory->m_InfoList))
-        m_changed.insert(record->MD5Code);
-    tellChanges();
+    QList<TaskRow> rows;
+    {
+        const ControllerLock lock;
+        const auto &all = m_session->controller().m_pHistory->m_InfoList;
+        rows.reserve(all.size());
+        for (const CXMLInfo *record : all)
+            rows << rowOf(*record);
+    }
+    if (!rows.isEmpty())
+        emit rowsChanged(rows);
+    emit totalsChanged(m_session->driver().totals());
 }
 
 void Worker::change(const QString &key)
@@ -382,43 +419,29 @@ void Worker::tellChanges()
         return;
     QList<TaskRow> rows;
     for (const QString &key : std::exchange(m_changed, {})) {
-        TaskRow row = rowOf(key);
-        if (!row.key.isEmpty())
-            rows << row;
+        const ControllerLock lock;
+        const CXMLInfo *record = m_session->controller().getXMLInfo(key);
+        if (record != nullptr && !m_inspecting.contains(key))
+            rows << rowOf(*record);
     }
     if (!rows.isEmpty())
         emit rowsChanged(rows);
     emit totalsChanged(m_session->driver().totals());
 }
 
-TaskRow Worker::rowOf(const QString &key)
+TaskRow Worker::rowOf(const CXMLInfo &record) const
 {
     TaskRow row;
-    row.activity = m_session->driver().activity(key);
-    row.isConverting = m_session->isConverting(key);
-    row.failure = m_failures.value(key);
-    for (std::size_t each = 0; each < taskActionCount; ++each)
-        row.actions.set(each, !isReadOnly() && !m_session->obstacle(key, TaskAction(each)));
-    const ControllerLock lock;
-    const CXMLInfo *record = m_session->controller().getXMLInfo(key);
-    if (record == nullptr || m_inspecting.contains(key))
-        return {};
-    row.key = key;
-    fillIn(row, *record);
-    return row;
-}
-
-void Worker::fillIn(TaskRow &row, const CXMLInfo &record) const
-{
+    row.key = record.MD5Code;
     row.title = record.Title;
     row.address = record.OrgWebSite;
     row.path = taskrecord::outputPath(record);
     row.thumbnail = record.ImagePath;
     row.added = record.TaskCreateTime;
     row.state = taskrecord::stateOf(record);
-    if (isReadOnly())
-        row.actions.set(std::size_t(TaskAction::Open),
-                        !taskrecord::obstacle(record, TaskAction::Open).has_value());
+    row.activity = m_session->driver().activity(row.key);
+    row.isConverting = m_session->isConverting(row.key);
+    row.failure = m_failures.value(row.key);
     row.progress =
         row.isConverting ? m_progress.value(row.key) : m_session->driver().progress(row.key);
     if (row.progress.total == 0)
@@ -426,4 +449,5 @@ void Worker::fillIn(TaskRow &row, const CXMLInfo &record) const
     const bool isMoving = row.progress.received > 0 && row.progress.total > 0;
     row.percent = isMoving ? int(double(row.progress.received) / double(row.progress.total) * 100)
                            : std::clamp(record.Progress, 0, 100);
+    return row;
 }

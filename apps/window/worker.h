@@ -16,7 +16,7 @@
 /** How the history came into use. */
 struct OpenedHistory
 {
-    QString problem;         ///< why it can only be read, in English; empty: it is this program's
+    QString problem;         ///< why it can only be read; empty: it is this program's
     QString setAside;        ///< where a damaged history was put
     QString setAsideJournal; ///< where a journal of another history was put
     int interrupted = 0;     ///< tasks that another run left
@@ -61,6 +61,8 @@ public:
     void resumeInterrupted();
     /** `detailsFound` comes. */
     void findDetails(const QString &key);
+    /** `abilitiesFound` comes. */
+    void findAbilities(const QStringList &keys);
 
 signals:
     void opened(const OpenedHistory &history);
@@ -71,8 +73,9 @@ signals:
     void totalsChanged(const DownloadTotals &totals);
     void inspected(const DownloadResult &result);
     void detailsFound(const TaskDetails &details);
+    void abilitiesFound(const Abilities &abilities);
     void filesFound(const QStringList &keys, const QStringList &files);
-    /** Something that the user should know, in English. */
+    /** Something that the user should know. */
     void message(const QString &text);
     /** The last task has ended. */
     void idle();
@@ -82,8 +85,8 @@ private:
     void readAll();
     void change(const QString &key);
     void tellChanges();
-    TaskRow rowOf(const QString &key);
-    void fillIn(TaskRow &row, const CXMLInfo &record) const;
+    TaskRow rowOf(const CXMLInfo &record) const;
+    void judge(const CXMLInfo &record, Abilities &abilities) const;
     void ended(const DownloadResult &result);
     void resume(const QList<DownloadRequest> &requests);
     bool save();
