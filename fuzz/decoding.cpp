@@ -1,6 +1,7 @@
 // What sites and commands send, on its way into lines; addresses; range headers.
 #include "expect.h"
 
+#include "taskengine/address.h"
 #include "taskengine/responsehead.h"
 #include "taskengine/videoinfosource.h"
 
