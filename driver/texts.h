@@ -7,7 +7,7 @@
 /** `Texts::tr`: English, unless the application has installed a translator. Any thread. */
 struct Texts
 {
-    Q_DECLARE_TR_FUNCTIONS(Driver)
+    Q_DECLARE_TR_FUNCTIONS(Texts)
 };
 
 #endif

@@ -102,6 +102,296 @@
     </message>
 </context>
 <context>
+    <name>Engine</name>
+    <message>
+        <source>The address may have expired: parse the page again.</source>
+        <translation>Die Adresse ist vielleicht abgelaufen: Fragen Sie die Seite noch einmal ab.</translation>
+    </message>
+    <message>
+        <source>Try again later.</source>
+        <translation>Versuchen Sie es später noch einmal.</translation>
+    </message>
+    <message>
+        <source>Check the address.</source>
+        <translation>Prüfen Sie die Adresse.</translation>
+    </message>
+    <message>
+        <source>Run the command by hand with this address to see what it says.</source>
+        <translation>Rufen Sie den Befehl mit dieser Adresse von Hand auf, um zu sehen, was er meldet.</translation>
+    </message>
+    <message>
+        <source>Bad Request</source>
+        <translation>Fehlerhafte Anfrage</translation>
+    </message>
+    <message>
+        <source>Unauthorized</source>
+        <translation>Nicht angemeldet</translation>
+    </message>
+    <message>
+        <source>The site wants a login, which is not supported.</source>
+        <translation>Die Seite verlangt eine Anmeldung; das wird nicht unterstützt.</translation>
+    </message>
+    <message>
+        <source>Forbidden</source>
+        <translation>Verboten</translation>
+    </message>
+    <message>
+        <source>Not Found</source>
+        <translation>Nicht gefunden</translation>
+    </message>
+    <message>
+        <source>Proxy Authentication Required</source>
+        <translation>Anmeldung am Proxy nötig</translation>
+    </message>
+    <message>
+        <source>Check user and password of the proxy.</source>
+        <translation>Prüfen Sie Benutzer und Passwort des Proxys.</translation>
+    </message>
+    <message>
+        <source>Request Timeout</source>
+        <translation>Anfrage dauerte zu lange</translation>
+    </message>
+    <message>
+        <source>Gone</source>
+        <translation>Nicht mehr vorhanden</translation>
+    </message>
+    <message>
+        <source>Range Not Satisfiable</source>
+        <translation>Bereich nicht verfügbar</translation>
+    </message>
+    <message>
+        <source>Too Many Requests</source>
+        <translation>Zu viele Anfragen</translation>
+    </message>
+    <message>
+        <source>Unavailable For Legal Reasons</source>
+        <translation>Aus rechtlichen Gründen nicht verfügbar</translation>
+    </message>
+    <message>
+        <source>Internal Server Error</source>
+        <translation>Interner Fehler des Servers</translation>
+    </message>
+    <message>
+        <source>Bad Gateway</source>
+        <translation>Fehlerhaftes Gateway</translation>
+    </message>
+    <message>
+        <source>Service Unavailable</source>
+        <translation>Dienst nicht verfügbar</translation>
+    </message>
+    <message>
+        <source>Gateway Timeout</source>
+        <translation>Zeitüberschreitung am Gateway</translation>
+    </message>
+    <message>
+        <source>not the address of a video</source>
+        <translation>nicht die Adresse eines Videos</translation>
+    </message>
+    <message>
+        <source>the address leads away from HTTP and HTTPS</source>
+        <translation>die Adresse führt weg von HTTP und HTTPS</translation>
+    </message>
+    <message>
+        <source>unknown host</source>
+        <translation>unbekannter Server</translation>
+    </message>
+    <message>
+        <source>Check the address and the connection to the network.</source>
+        <translation>Prüfen Sie die Adresse und die Netzwerkverbindung.</translation>
+    </message>
+    <message>
+        <source>no connection to the host</source>
+        <translation>keine Verbindung zum Server</translation>
+    </message>
+    <message>
+        <source>Check the connection to the network, or try again later.</source>
+        <translation>Prüfen Sie die Netzwerkverbindung, oder versuchen Sie es später noch einmal.</translation>
+    </message>
+    <message>
+        <source>no trustworthy encrypted connection</source>
+        <translation>keine vertrauenswürdige verschlüsselte Verbindung</translation>
+    </message>
+    <message>
+        <source>Check the clock of this computer and its certificates.</source>
+        <translation>Prüfen Sie die Uhr und die Zertifikate dieses Rechners.</translation>
+    </message>
+    <message>
+        <source>the proxy does not serve</source>
+        <translation>der Proxy arbeitet nicht</translation>
+    </message>
+    <message>
+        <source>Check the proxy settings.</source>
+        <translation>Prüfen Sie die Proxy-Einstellungen.</translation>
+    </message>
+    <message>
+        <source>no answer in time</source>
+        <translation>keine Antwort in der vorgesehenen Zeit</translation>
+    </message>
+    <message>
+        <source>the connection broke off</source>
+        <translation>die Verbindung ist abgebrochen</translation>
+    </message>
+    <message>
+        <source>the site sent less than it announced</source>
+        <translation>die Seite hat weniger gesendet als angekündigt</translation>
+    </message>
+    <message>
+        <source>redirected too many times</source>
+        <translation>zu viele Weiterleitungen</translation>
+    </message>
+    <message>
+        <source>the site sent an empty answer</source>
+        <translation>die Seite hat eine leere Antwort gesendet</translation>
+    </message>
+    <message>
+        <source>the answer makes no sense</source>
+        <translation>die Antwort ist unbrauchbar</translation>
+    </message>
+    <message>
+        <source>the answer is too large</source>
+        <translation>die Antwort ist zu groß</translation>
+    </message>
+    <message>
+        <source>the site sent a page in the place of the file</source>
+        <translation>die Seite hat statt der Datei eine Webseite gesendet</translation>
+    </message>
+    <message>
+        <source>the site does not continue where the file ends</source>
+        <translation>die Seite setzt nicht dort fort, wo die Datei endet</translation>
+    </message>
+    <message>
+        <source>the download folder does not exist</source>
+        <translation>der Download-Ordner existiert nicht</translation>
+    </message>
+    <message>
+        <source>Create the folder or choose another one.</source>
+        <translation>Legen Sie den Ordner an, oder wählen Sie einen anderen.</translation>
+    </message>
+    <message>
+        <source>the file&apos;s name is too long</source>
+        <translation>der Dateiname ist zu lang</translation>
+    </message>
+    <message>
+        <source>Choose a download folder with a shorter path or another file system.</source>
+        <translation>Wählen Sie einen Download-Ordner mit kürzerem Pfad oder auf einem anderen Dateisystem.</translation>
+    </message>
+    <message>
+        <source>the file cannot be written</source>
+        <translation>die Datei kann nicht geschrieben werden</translation>
+    </message>
+    <message>
+        <source>Check the permissions of the download folder, and what is in the file&apos;s place.</source>
+        <translation>Prüfen Sie die Rechte des Download-Ordners, und was am Platz der Datei liegt.</translation>
+    </message>
+    <message>
+        <source>another download is writing this file</source>
+        <translation>ein anderer Download schreibt diese Datei</translation>
+    </message>
+    <message>
+        <source>Wait until it has ended.</source>
+        <translation>Warten Sie, bis er beendet ist.</translation>
+    </message>
+    <message>
+        <source>the disk is full</source>
+        <translation>der Datenträger ist voll</translation>
+    </message>
+    <message>
+        <source>Free some space and try again.</source>
+        <translation>Schaffen Sie Platz, und versuchen Sie es noch einmal.</translation>
+    </message>
+    <message>
+        <source>the video-info command cannot be started</source>
+        <translation>der Video-Info-Befehl kann nicht gestartet werden</translation>
+    </message>
+    <message>
+        <source>Check the name of the command, and that it is installed and executable.</source>
+        <translation>Prüfen Sie den Namen des Befehls, und ob er installiert und ausführbar ist.</translation>
+    </message>
+    <message>
+        <source>the video-info command failed</source>
+        <translation>der Video-Info-Befehl ist fehlgeschlagen</translation>
+    </message>
+    <message>
+        <source>internal error</source>
+        <translation>interner Fehler</translation>
+    </message>
+    <message>
+        <source>too many files are open</source>
+        <translation>zu viele Dateien sind geöffnet</translation>
+    </message>
+    <message>
+        <source>Download fewer videos at once, or allow more open files.</source>
+        <translation>Laden Sie weniger Videos gleichzeitig herunter, oder erlauben Sie mehr offene Dateien.</translation>
+    </message>
+    <message>
+        <source>the disk reports an error</source>
+        <translation>der Datenträger meldet einen Fehler</translation>
+    </message>
+    <message>
+        <source>Check the disk.</source>
+        <translation>Prüfen Sie den Datenträger.</translation>
+    </message>
+    <message>
+        <source>the video-info command gave no usable answer</source>
+        <translation>der Video-Info-Befehl gab keine brauchbare Antwort</translation>
+    </message>
+    <message>
+        <source>the file is larger than the disk or the system allows</source>
+        <translation>die Datei ist größer, als Datenträger oder System erlauben</translation>
+    </message>
+    <message>
+        <source>Choose a smaller format, or a download folder on another file system.</source>
+        <translation>Wählen Sie ein kleineres Format, oder einen Download-Ordner auf einem anderen Dateisystem.</translation>
+    </message>
+    <message>
+        <source>the site answered</source>
+        <translation>die Seite antwortete</translation>
+    </message>
+    <message>
+        <source>unknown cause</source>
+        <translation>unbekannte Ursache</translation>
+    </message>
+</context>
+<context>
+    <name>HistoryKeeper</name>
+    <message>
+        <source>the folder of %1 cannot be made</source>
+        <translation>der Ordner von %1 kann nicht angelegt werden</translation>
+    </message>
+    <message>
+        <source>%1 is not a file</source>
+        <translation>%1 ist keine Datei</translation>
+    </message>
+    <message>
+        <source>%1 is damaged and cannot be set aside</source>
+        <translation>%1 ist beschädigt und kann nicht beiseitegelegt werden</translation>
+    </message>
+    <message>
+        <source>%1 belongs to another history and cannot be set aside</source>
+        <translation>%1 gehört zu einem anderen Verlauf und kann nicht beiseitegelegt werden</translation>
+    </message>
+    <message>
+        <source>the history is not open</source>
+        <translation>der Verlauf ist nicht geöffnet</translation>
+    </message>
+    <message>
+        <source>%1.journal cannot be written; the disk may be full</source>
+        <translation>%1.journal kann nicht geschrieben werden; vielleicht ist der Datenträger voll</translation>
+    </message>
+    <message>
+        <source>%1 cannot be replaced</source>
+        <translation>%1 kann nicht ersetzt werden</translation>
+    </message>
+    <message>
+        <source>%1 cannot be written</source>
+        <translation>%1 kann nicht geschrieben werden</translation>
+    </message>
+    <message>
+        <source>%1 could not be written whole; the disk may be full</source>
+        <translation>%1 konnte nicht ganz geschrieben werden; vielleicht ist der Datenträger voll</translation>
+    </message>
+</context>
+<context>
     <name>MainWindow</name>
     <message>
         <source>Videodown</source>
@@ -348,6 +638,10 @@
         <source>The history could not be saved: %1</source>
         <translation>Der Verlauf konnte nicht gespeichert werden: %1</translation>
     </message>
+    <message>
+        <source>only one video at a time</source>
+        <translation>nur für ein einzelnes Video</translation>
+    </message>
 </context>
 <context>
     <name>SettingsDialog</name>
@@ -528,6 +822,261 @@
     </message>
 </context>
 <context>
+    <name>Texts</name>
+    <message>
+        <source>the address is empty</source>
+        <translation>die Adresse ist leer</translation>
+    </message>
+    <message>
+        <source>Give the address of a video page.</source>
+        <translation>Geben Sie die Adresse einer Videoseite an.</translation>
+    </message>
+    <message>
+        <source>the address is longer than %1 bytes</source>
+        <translation>die Adresse ist länger als %1 Bytes</translation>
+    </message>
+    <message>
+        <source>Give a shorter address of the same page.</source>
+        <translation>Geben Sie eine kürzere Adresse derselben Seite an.</translation>
+    </message>
+    <message>
+        <source>not an http or https address</source>
+        <translation>keine http- oder https-Adresse</translation>
+    </message>
+    <message>
+        <source>Give the whole address of a video page, as in https://host/page.</source>
+        <translation>Geben Sie die ganze Adresse einer Videoseite an, etwa https://server/seite.</translation>
+    </message>
+    <message>
+        <source>the folder name &quot;%1&quot; has a backslash, or a percent sign before a digit</source>
+        <translation>der Ordnername „%1“ enthält einen umgekehrten Schrägstrich oder ein Prozentzeichen vor einer Ziffer</translation>
+    </message>
+    <message>
+        <source>Choose another folder.</source>
+        <translation>Wählen Sie einen anderen Ordner.</translation>
+    </message>
+    <message>
+        <source>there is no such task</source>
+        <translation>diese Aufgabe gibt es nicht</translation>
+    </message>
+    <message>
+        <source>the task is at work</source>
+        <translation>die Aufgabe ist gerade in Arbeit</translation>
+    </message>
+    <message>
+        <source>only a video that is being downloaded can be paused</source>
+        <translation>nur ein Video, das gerade geladen wird, kann pausiert werden</translation>
+    </message>
+    <message>
+        <source>the task is not paused</source>
+        <translation>die Aufgabe ist nicht pausiert</translation>
+    </message>
+    <message>
+        <source>only a task that waits can be moved</source>
+        <translation>nur eine wartende Aufgabe kann verschoben werden</translation>
+    </message>
+    <message>
+        <source>only a task that waits or runs can be stopped</source>
+        <translation>nur eine wartende oder laufende Aufgabe kann angehalten werden</translation>
+    </message>
+    <message>
+        <source>ffmpeg cannot be started</source>
+        <translation>ffmpeg kann nicht gestartet werden</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; cannot be written to</source>
+        <translation>in „%1“ kann nicht geschrieben werden</translation>
+    </message>
+    <message>
+        <source>ffmpeg was ended</source>
+        <translation>ffmpeg wurde beendet</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; cannot be written</source>
+        <translation>„%1“ kann nicht geschrieben werden</translation>
+    </message>
+    <message>
+        <source>the conversion failed, %1; the downloaded file is safe: &quot;%2&quot;</source>
+        <translation>die Umwandlung ist fehlgeschlagen, %1; die heruntergeladene Datei ist sicher: „%2“</translation>
+    </message>
+    <message>
+        <source>the video is being converted</source>
+        <translation>das Video wird gerade umgewandelt</translation>
+    </message>
+    <message>
+        <source>only a finished task whose file is there can be converted</source>
+        <translation>nur eine fertige Aufgabe, deren Datei da ist, kann umgewandelt werden</translation>
+    </message>
+    <message>
+        <source>ffmpeg is not installed</source>
+        <translation>ffmpeg ist nicht installiert</translation>
+    </message>
+    <message>
+        <source>the path of the file is too long: &quot;%1&quot;</source>
+        <translation>der Pfad der Datei ist zu lang: „%1“</translation>
+    </message>
+    <message>
+        <source>Choose a folder with a shorter path.</source>
+        <translation>Wählen Sie einen Ordner mit kürzerem Pfad.</translation>
+    </message>
+    <message>
+        <source>the site&apos;s address of the video is too long</source>
+        <translation>die Adresse, die die Seite für das Video nennt, ist zu lang</translation>
+    </message>
+    <message>
+        <source>Choose another format.</source>
+        <translation>Wählen Sie ein anderes Format.</translation>
+    </message>
+    <message>
+        <source>the download engine did not take the request</source>
+        <translation>die Download-Engine hat die Anfrage nicht angenommen</translation>
+    </message>
+    <message>
+        <source>Try again later.</source>
+        <translation>Versuchen Sie es später noch einmal.</translation>
+    </message>
+    <message>
+        <source>%1 is in use by %2</source>
+        <translation>%1 wird von %2 benutzt</translation>
+    </message>
+    <message>
+        <source>%1 cannot be locked: its folder cannot be written</source>
+        <translation>%1 kann nicht gesperrt werden: In den Ordner kann nicht geschrieben werden</translation>
+    </message>
+    <message>
+        <source>%1 cannot be locked: &quot;%2&quot; is in the way</source>
+        <translation>%1 kann nicht gesperrt werden: „%2“ ist im Weg</translation>
+    </message>
+    <message>
+        <source>%1 cannot be locked: &quot;%2&quot; cannot be read or removed</source>
+        <translation>%1 kann nicht gesperrt werden: „%2“ kann nicht gelesen oder entfernt werden</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; cannot be written (%2)</source>
+        <translation>„%1“ kann nicht geschrieben werden (%2)</translation>
+    </message>
+    <message>
+        <source>Choose an output folder that you may write to.</source>
+        <translation>Wählen Sie einen Ausgabeordner, in den Sie schreiben dürfen.</translation>
+    </message>
+    <message>
+        <source>the copy into &quot;%1&quot; failed, %2; the downloaded file is safe: &quot;%3&quot;</source>
+        <translation>das Kopieren nach „%1“ ist fehlgeschlagen, %2; die heruntergeladene Datei ist sicher: „%3“</translation>
+    </message>
+    <message>
+        <source>the disk is full</source>
+        <translation>der Datenträger ist voll</translation>
+    </message>
+    <message>
+        <source>the folder cannot be written</source>
+        <translation>in den Ordner kann nicht geschrieben werden</translation>
+    </message>
+    <message>
+        <source>Free some space and copy the file yourself.</source>
+        <translation>Schaffen Sie Platz, und kopieren Sie die Datei selbst.</translation>
+    </message>
+    <message>
+        <source>Copy the file yourself, or choose another output folder.</source>
+        <translation>Kopieren Sie die Datei selbst, oder wählen Sie einen anderen Ausgabeordner.</translation>
+    </message>
+    <message>
+        <source>it cannot be made</source>
+        <translation>er kann nicht angelegt werden</translation>
+    </message>
+    <message>
+        <source>the downloaded file &quot;%1&quot; is gone</source>
+        <translation>die heruntergeladene Datei „%1“ ist verschwunden</translation>
+    </message>
+    <message>
+        <source>Start the download again.</source>
+        <translation>Starten Sie den Download noch einmal.</translation>
+    </message>
+    <message>
+        <source>nothing of that name can be used in a file name</source>
+        <translation>nichts von diesem Namen ist in einem Dateinamen erlaubt</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is not the task&apos;s, or has another name than the video</source>
+        <translation>„%1“ gehört nicht zur Aufgabe oder heißt anders als das Video</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; exists already</source>
+        <translation>„%1“ gibt es schon</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; cannot be renamed</source>
+        <translation>„%1“ kann nicht umbenannt werden</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; cannot be renamed; the video is &quot;%2&quot; now</source>
+        <translation>„%1“ kann nicht umbenannt werden; das Video heißt jetzt „%2“</translation>
+    </message>
+    <message>
+        <source>the site offers no formats of this video</source>
+        <translation>die Seite bietet keine Formate dieses Videos an</translation>
+    </message>
+    <message>
+        <source>the site refuses this video: %1</source>
+        <translation>die Seite verweigert dieses Video: %1</translation>
+    </message>
+    <message>
+        <source>the disk of &quot;%1&quot; is full</source>
+        <translation>der Datenträger von „%1“ ist voll</translation>
+    </message>
+    <message>
+        <source>Free some space, or choose another folder.</source>
+        <translation>Schaffen Sie Platz, oder wählen Sie einen anderen Ordner.</translation>
+    </message>
+    <message>
+        <source>the transfer failed (code %1)</source>
+        <translation>die Übertragung ist fehlgeschlagen (Code %1)</translation>
+    </message>
+    <message>
+        <source>the video is in the list, but the site has not yet said what it offers</source>
+        <translation>das Video steht in der Liste, aber die Seite hat noch nicht gesagt, was sie anbietet</translation>
+    </message>
+    <message>
+        <source>only an interrupted or stopped task can be resumed</source>
+        <translation>nur eine unterbrochene oder angehaltene Aufgabe kann fortgesetzt werden</translation>
+    </message>
+    <message>
+        <source>a finished task is not tried again</source>
+        <translation>eine fertige Aufgabe wird nicht noch einmal versucht</translation>
+    </message>
+    <message>
+        <source>only a finished task can be upgraded whose video is there as it was downloaded</source>
+        <translation>ein größeres Bild gibt es nur für eine fertige Aufgabe, deren Video unverändert da ist</translation>
+    </message>
+    <message>
+        <source>only a finished task whose file is there can be renamed</source>
+        <translation>nur eine fertige Aufgabe, deren Datei da ist, kann umbenannt werden</translation>
+    </message>
+    <message>
+        <source>its file is not there</source>
+        <translation>die Datei ist nicht da</translation>
+    </message>
+    <message>
+        <source>the task is not at work</source>
+        <translation>die Aufgabe ist nicht in Arbeit</translation>
+    </message>
+    <message>
+        <source>the old video cannot be kept as &quot;%1&quot;</source>
+        <translation>das alte Video kann nicht als „%1“ aufgehoben werden</translation>
+    </message>
+    <message>
+        <source>Move away what is in its place.</source>
+        <translation>Räumen Sie weg, was an diesem Platz liegt.</translation>
+    </message>
+    <message>
+        <source>the old video could not be put back; it is &quot;%1&quot; now</source>
+        <translation>das alte Video konnte nicht zurückgelegt werden; es heißt jetzt „%1“</translation>
+    </message>
+    <message>
+        <source>Make its folder writable, and rename the file.</source>
+        <translation>Machen Sie den Ordner schreibbar, und benennen Sie die Datei um.</translation>
+    </message>
+</context>
+<context>
     <name>WishWidget</name>
     <message>
         <source>&amp;Folder:</source>
@@ -576,6 +1125,29 @@
     <message>
         <source>Give the container as in mp4.</source>
         <translation>Geben Sie den Container an wie in mp4.</translation>
+    </message>
+</context>
+<context>
+    <name>Worker</name>
+    <message>
+        <source>The history cannot be saved: %1</source>
+        <translation>Der Verlauf kann nicht gespeichert werden: %1</translation>
+    </message>
+    <message>
+        <source>The video cannot be converted: %1</source>
+        <translation>Das Video kann nicht umgewandelt werden: %1</translation>
+    </message>
+    <message>
+        <source>The video cannot be renamed: %1</source>
+        <translation>Das Video kann nicht umbenannt werden: %1</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; cannot be deleted.</source>
+        <translation>„%1“ kann nicht gelöscht werden.</translation>
+    </message>
+    <message>
+        <source>another program has the history</source>
+        <translation>ein anderes Programm hat den Verlauf</translation>
     </message>
 </context>
 <context>
