@@ -1,5 +1,5 @@
 # Makes the tables of docs/benchmarks.md out of what was measured:
-#   awk -f report.awk -v plots=FOLDER rows.tsv growth.tsv memory.tsv results.tsv
+#   awk -f report.awk -v plots=FOLDER rows.tsv growth.tsv memory.tsv limits.tsv results.tsv
 # A result is a line of row, side, seconds, seconds of CPU and KiB. Writes the plots' data to FOLDER.
 BEGIN { FS = OFS = "\t" }
 
@@ -7,6 +7,7 @@ BEGIN { FS = OFS = "\t" }
 FILENAME ~ /rows\.tsv$/ { row[++rows] = $0; next }
 FILENAME ~ /growth\.tsv$/ { growth[++growths] = $0; next }
 FILENAME ~ /memory\.tsv$/ { memory[++memories] = $0; next }
+FILENAME ~ /limits\.tsv$/ { limit[++limits] = $0; next }
 {
     value[$1, $2, "time", ++count[$1, $2]] = $3
     value[$1, $2, "cpu", count[$1, $2]] = $4
@@ -98,6 +99,17 @@ END {
     for (m = 1; m <= memories; ++m) {
         split(memory[m], field, "\t")
         measure(field[1], "ours", "memory")
-        printf "| %s | %s | %s MiB | %s |\n", field[2], spread("memory"), field[3], met(middle / 1024, "<= " field[3])
+        wanted = field[3] == "" ? "" : "<= " field[3]
+        printf "| %s | %s | %s | %s |\n", field[2], spread("memory"), field[3] == "" ? "" : field[3] " MiB", met(middle / 1024, wanted)
+    }
+
+    print "\n| window | median (least to most) | wanted at most | met |"
+    print "| --- | --- | --- | --- |"
+    for (l = 1; l <= limits; ++l) {
+        split(limit[l], field, "\t")
+        measure(field[1], "ours", "time")
+        scale = field[3] == "ms" ? 1000 : 100
+        unit = " " field[3]
+        printf "| %s | %.3g%s (%.3g to %.3g) | %s%s | %s |\n", field[2], middle * scale, unit, lowest * scale, highest * scale, field[4], unit, met(middle * scale, "<= " field[4])
     }
 }

@@ -14,6 +14,7 @@
 #include <QJsonArray>
 
 #include <filesystem>
+#include <future>
 #include <utility>
 
 namespace {
@@ -114,9 +115,13 @@ QString HistoryKeeper::load()
     const QFileInfo file(m_path);
     if (file.exists() && !file.isFile())
         return tr("%1 is not a file").arg(m_path);
-    const bool sound = !file.exists() || countTasks(m_path).has_value();
-    if (file.exists())
+    // Beside the loading, which takes several times as long.
+    std::future<std::optional<int>> count;
+    if (file.exists()) {
+        count = std::async(std::launch::async, countTasks, m_path);
         m_controller.LoadFromFile(m_path);
+    }
+    const bool sound = !count.valid() || count.get().has_value();
     QList<QJsonObject> entries;
     const bool hasJournal = QFileInfo::exists(m_path + QLatin1String(".journal"));
     const auto found =

@@ -32,7 +32,7 @@ FailureReason copyFailed(const FinishedFiles &files, qint64 size)
     const QString folder = QFileInfo(files.copy).path();
     const bool full = QStorageInfo(folder).bytesAvailable() < size;
     return {
-        Texts::tr("the copy into \"%1\" failed, %2; the downloaded file is safe: \"%3\"")
+        Texts::tr(R"(the copy into "%1" failed, %2; the downloaded file is safe: "%3")")
             .arg(folder,
                  full ? Texts::tr("the disk is full") : Texts::tr("the folder cannot be written"),
                  files.video),

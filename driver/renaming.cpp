@@ -82,7 +82,7 @@ QString renameTask(CDown &controller, const QString &key, const QString &name)
         if (record == nullptr)
             return Texts::tr("there is no such task");
         names = renamingOf(*record, name);
-        const QString why = obstacle(*record, names);
+        QString why = obstacle(*record, names);
         if (!why.isEmpty())
             return why;
     }
@@ -90,6 +90,6 @@ QString renameTask(CDown &controller, const QString &key, const QString &name)
         return {};
     return disk::isTaken(names.oldVideo)
                ? Texts::tr("\"%1\" cannot be renamed").arg(names.oldVideo)
-               : Texts::tr("\"%1\" cannot be renamed; the video is \"%2\" now")
+               : Texts::tr(R"("%1" cannot be renamed; the video is "%2" now)")
                      .arg(names.oldCopy, names.newVideo);
 }

@@ -235,10 +235,16 @@ void TaskModel::change(int place, const TaskRow &row)
     Line &line = m_rows[place];
     const bool sameTexts = line.row.title == row.title && line.row.address == row.address &&
                            line.row.path == row.path && line.row.added == row.added;
+    const bool onlyMoves = sameTexts && line.row.thumbnail == row.thumbnail &&
+                           line.row.state == row.state && line.row.activity == row.activity &&
+                           line.row.isConverting == row.isConverting &&
+                           line.row.failure.cause == row.failure.cause;
     if (sameTexts)
         line.row = row;
     else
         line = lineOf(row);
+    emit dataChanged(index(place, onlyMoves ? Progress : Title),
+                     index(place, onlyMoves ? TimeLeft : ColumnCount - 1));
 }
 
 void TaskModel::setRows(const QList<TaskRow> &rows)
@@ -255,7 +261,6 @@ void TaskModel::setRows(const QList<TaskRow> &rows)
             fresh[*place - known] = row;
         } else {
             change(*place, row);
-            emit dataChanged(index(*place, 0), index(*place, ColumnCount - 1));
         }
     }
     if (fresh.isEmpty())
