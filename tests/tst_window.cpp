@@ -117,7 +117,7 @@ private slots:
         filter.setText(u"TITLE v=99"_s);
         QCOMPARE(filter.rowCount(), 56); // 99, 991 to 999 and 9901 to 9999, the odd ones
         filter.setGroup(TaskGroup::All);
-        model.removeRows({u"key99"_s, u"key9900"_s, u"none"_s});
+        model.removeTasks({u"key99"_s, u"key9900"_s, u"none"_s});
         QCOMPARE(filter.rowCount(), 109);
         QCOMPARE(model.find(u"key9901"_s)->title, u"Title 9901"_s);
         QCOMPARE(model.indexOf(u"key9999"_s).row(), 9997);
@@ -134,7 +134,7 @@ private slots:
         for (int number = 0; number < 20; ++number)
             model.setRows({makeRow(number), makeRow(number / 2, TaskState::Failed)});
         filter.setGroup(TaskGroup::Failed);
-        model.removeRows({u"key3"_s, u"key19"_s, u"key0"_s});
+        model.removeTasks({u"key3"_s, u"key19"_s, u"key0"_s});
         QCOMPARE(keysIn(filter).join(u' '), u"key9 key8 key7 key6 key5 key4 key2 key1"_s);
     }
 

@@ -161,7 +161,7 @@ QAction &MainWindow::action(TaskAction action)
 
 void MainWindow::makeActions()
 {
-    const auto named = [this](QAction *action, const char *icon, QStyle::StandardPixmap otherwise) {
+    const auto named = [](QAction *action, const char *icon, QStyle::StandardPixmap otherwise) {
         action->setIcon(iconNamed(QLatin1String(icon), otherwise));
         return action;
     };
@@ -280,8 +280,7 @@ void MainWindow::connectWorker()
     connect(m_worker, &Worker::opened, this, &MainWindow::historyOpened);
     connect(m_worker, &Worker::closed, this, &MainWindow::historyClosed);
     connect(m_worker, &Worker::rowsChanged, this, &MainWindow::rowsChanged);
-    connect(m_worker, &Worker::rowsRemoved, &m_model,
-            qOverload<const QStringList &>(&TaskModel::removeRows));
+    connect(m_worker, &Worker::rowsRemoved, &m_model, &TaskModel::removeTasks);
     connect(m_worker, &Worker::totalsChanged, this, &MainWindow::showTotals);
     connect(m_worker, &Worker::detailsFound, this, &MainWindow::showDetails);
     connect(m_worker, &Worker::abilitiesFound, this, &MainWindow::showAbilities);

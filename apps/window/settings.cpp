@@ -13,7 +13,7 @@ QString defaultFolder()
 {
     for (const auto place : {QStandardPaths::MoviesLocation, QStandardPaths::DownloadLocation,
                              QStandardPaths::HomeLocation}) {
-        const QString folder = QStandardPaths::writableLocation(place);
+        QString folder = QStandardPaths::writableLocation(place);
         if (!folder.isEmpty())
             return folder;
     }

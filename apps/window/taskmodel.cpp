@@ -271,7 +271,7 @@ void TaskModel::setRows(const QList<TaskRow> &rows)
     endInsertRows();
 }
 
-void TaskModel::removeRows(const QStringList &keys)
+void TaskModel::removeTasks(const QStringList &keys)
 {
     QList<int> places;
     for (const QString &key : keys) {

@@ -36,7 +36,7 @@ public:
 
     /** Adds rows, or changes those with the same keys. */
     void setRows(const QList<TaskRow> &rows);
-    void removeRows(const QStringList &keys);
+    void removeTasks(const QStringList &keys);
 
     /** The row with this key, or null; good until the model changes. */
     const TaskRow *find(const QString &key) const;
