@@ -222,6 +222,8 @@ void MainWindow::makeActions()
     QToolBar *bar = addToolBar(tr("Tools"));
     bar->setObjectName(QStringLiteral("tools"));
     bar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    for (QAction *known : {pause, go, stop, open, remove}) // their icons say enough
+        known->setPriority(QAction::LowPriority);
     for (const QList<QAction *> &actions :
          {QList<QAction *>{m_addAction}, {pause, go, stop, resume, retry}, {open, remove}}) {
         bar->addActions(actions);

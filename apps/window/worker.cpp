@@ -323,7 +323,7 @@ void Worker::remove(const QStringList &keys, bool deleteFiles)
         removed << std::shared_ptr<CXMLInfo>(m_session->controller().getXMLInfo(key));
         m_session->controller().remove(key, false);
         m_failures.remove(key);
-        m_changed.remove(key);
+        m_changed.removeAll(key);
         gone << key;
     }
     if (gone.isEmpty())
@@ -408,7 +408,7 @@ void Worker::readAll()
 
 void Worker::change(const QString &key)
 {
-    m_changed.insert(key);
+    m_changed << key;
     if (!m_gather.isActive())
         m_gather.start(repaintEvery);
 }
@@ -417,8 +417,10 @@ void Worker::tellChanges()
 {
     if (!m_session)
         return;
+    QStringList changed = std::exchange(m_changed, {});
+    changed.removeDuplicates();
     QList<TaskRow> rows;
-    for (const QString &key : std::exchange(m_changed, {})) {
+    for (const QString &key : std::as_const(changed)) {
         const ControllerLock lock;
         const CXMLInfo *record = m_session->controller().getXMLInfo(key);
         if (record != nullptr && !m_inspecting.contains(key))

@@ -96,7 +96,7 @@ private:
     const QString m_historyPath;
     std::unique_ptr<DownloadSession> m_session;
     QTimer m_gather;
-    QSet<QString> m_changed;
+    QStringList m_changed; // in the order of their changes: new rows come as they were added
     QSet<QString> m_inspecting;
     QSet<QString> m_ended; // since the session was idle
     QStringList m_waiting; // in their order, of those that were added
