@@ -5,13 +5,13 @@
 
 namespace {
 
-template <auto release>
+template <auto Release>
 struct Releaser
 {
     template <typename Type>
     void operator()(Type *object) const
     {
-        release(object);
+        Release(object);
     }
 };
 using Key = std::unique_ptr<EVP_PKEY, Releaser<EVP_PKEY_free>>;
