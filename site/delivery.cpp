@@ -29,9 +29,9 @@ public:
             sent %= m_body->size();
             left = m_body->size() - sent;
         }
-        if (m_fault.cutAfter && sent >= *m_fault.cutAfter)
-            return false;
         if (isHoldPoint(sent) && !m_gate->hold())
+            return false;
+        if (m_fault.cutAfter && sent >= *m_fault.cutAfter)
             return false;
         const std::size_t size = pieceSize(sent, left);
         if (!sink.write(m_body->data() + m_start + sent, size))

@@ -46,8 +46,7 @@ void Job::abandon()
 void Job::togglePause()
 {
     m_paused = !m_paused;
-    if (!m_waiting)
-        setPaused(m_paused);
+    setPaused(m_paused); // also between two tries, of which the first may have ended in a pause
 }
 
 void Job::tick(Clock::time_point now)

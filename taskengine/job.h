@@ -74,6 +74,7 @@ private:
     /** Leaves the files as they shall stay. @param mayContinue a later request could go on */
     virtual void leaveFiles(bool) {}
     virtual void work(Clock::time_point now) = 0;
+    /** Holds the work, or lets it go on. Comes whether a try is under way or not. */
     virtual void setPaused(bool paused) = 0;
     /** @return whether a fault that may pass is worth another try */
     virtual bool isWorthRetrying(const Fault &) const { return true; }

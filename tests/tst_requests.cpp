@@ -147,8 +147,19 @@ private slots:
         QVERIFY(isCommand || contentsOf(path("/paused")) == bytes());
     }
 
-    /** Wherever a pause meets the answer, a page in the place of the video is told from the video.
-     */
+    /** What ends the pause between two tries ends it for the next one too. */
+    void suspendedOverTheEndOfATry()
+    {
+        misbehave([](Misbehaviour &fault) { fault.holdAfter = fault.cutAfter = 0; }, 1);
+        QCOMPARE(DownloadVideo(video("key", 2)), 0);
+        QVERIFY(m_site->waitForHeld(1, std::chrono::minutes(1)));
+        QCOMPARE(SuspendedDownload("key"), 0);
+        m_site->release();
+        QVERIFY(m_log->waitFor("key", DOWN_STATE_RETRY_DOWNLOAD));
+        QCOMPARE(SuspendedDownload("key"), 0);
+        compareEnd("key", DOWN_STATE_DOWNLOAD_FINISH);
+    }
+
     /** A pause that ends before there is a connection costs nothing. */
     void suspendedBeforeItBegins()
     {
@@ -161,6 +172,8 @@ private slots:
         }
     }
 
+    /** Wherever a pause meets the answer, a page in the place of the video is told from the video.
+     */
     void suspendedAnswerIsJudged()
     {
         answerWith(200, "text/html");
