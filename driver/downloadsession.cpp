@@ -49,7 +49,7 @@ QString DownloadSession::save()
 
 QString DownloadSession::add(const DownloadRequest &request)
 {
-    m_stopping = false;
+    m_stopping = m_interrupting = false;
     return m_driver.add(request);
 }
 
@@ -72,6 +72,12 @@ void DownloadSession::stopAll()
     m_stopping = true;
     m_driver.stopAll();
     m_converter.stopAll();
+}
+
+void DownloadSession::interruptAll()
+{
+    m_interrupting = true;
+    stopAll();
 }
 
 bool DownloadSession::isIdle() const
@@ -130,7 +136,7 @@ void DownloadSession::settle(DownloadResult result)
         conversions::note(controller(), result);
         commit(result.key);
     }
-    emit ended(result);
+    tellEnd(result);
 }
 
 void DownloadSession::converted(const DownloadResult &result)
@@ -140,13 +146,26 @@ void DownloadSession::converted(const DownloadResult &result)
     commit(result.key);
     if (m_keeper)
         m_keeper->settle(result.key);
-    emit ended(result);
+    tellEnd(result);
 }
 
 void DownloadSession::commit(const QString &key)
 {
     if (m_keeper)
         m_keeper->commit({key});
+}
+
+void DownloadSession::tellEnd(const DownloadResult &result)
+{
+    if (m_interrupting && result.outcome == DownloadOutcome::Stopped) {
+        {
+            const ControllerLock lock;
+            if (CXMLInfo *record = controller().getXMLInfo(result.key))
+                record->State = int(TaskState::Waiting);
+        }
+        commit(result.key);
+    }
+    emit ended(result);
 }
 
 void DownloadSession::tellIdle()

@@ -51,6 +51,8 @@ public:
     void stop(const QString &key);
     /** Stops everything. */
     void stopAll();
+    /** The same, but what has not ended is interrupted, for a later session to resume. */
+    void interruptAll();
     /** Whether nothing waits, runs or is being converted. */
     bool isIdle() const;
     /** Whether the task waits for its conversion, or is being converted. */
@@ -76,6 +78,7 @@ private:
     void settle(DownloadResult result);
     void converted(const DownloadResult &result);
     void commit(const QString &key);
+    void tellEnd(const DownloadResult &result);
     void tellIdle();
 
     DownloadDriver m_driver;
@@ -85,6 +88,7 @@ private:
     QHash<QString, Profile_Desc> m_wishes; // of the tasks that are to be converted
     QSet<QString> m_converting;            // tasks that the converter has
     bool m_stopping = false;               // no conversion begins until a task is added
+    bool m_interrupting = false;           // neither is any task stopped for good
 };
 
 #endif

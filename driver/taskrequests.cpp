@@ -22,6 +22,11 @@ QList<DownloadRequest> requestsFor(CDown &controller,
 
 } // namespace
 
+QList<DownloadRequest> interrupted(CDown &controller)
+{
+    return requestsFor(controller, taskrecord::isInterrupted);
+}
+
 QList<DownloadRequest> toResume(CDown &controller)
 {
     return requestsFor(controller, [](const CXMLInfo &record) {

@@ -13,6 +13,9 @@
 /** All of these take the controller lock. Tasks that a driver has are not to be asked for. */
 namespace taskrequests {
 
+/** The tasks that were interrupted, in the order of the history. */
+QList<DownloadRequest> interrupted(CDown &controller);
+
 /** The tasks that were interrupted or stopped, in the order of the history. */
 QList<DownloadRequest> toResume(CDown &controller);
 

@@ -177,7 +177,7 @@ private slots:
             const auto found = rows.match(rows.index(0, 0), Qt::DisplayRole, title, 1);
             window->view().setCurrentIndex(found.value(0));
         };
-        QVERIFY(!retry.isEnabled());
+        QVERIFY(!retry.isEnabled() && retry.toolTip().contains(u"no video is selected"_s));
         window->view().selectAll();
         QTRY_VERIFY(retry.isEnabled()); // with one of the two
         QVERIFY(!rename.isEnabled());   // of one at a time
@@ -224,10 +224,17 @@ private slots:
         QTRY_COMPARE(stateOf(*window, "small-1"), u"Paused"_s);
         press(*window, TaskAction::Continue);
         QTRY_COMPARE(stateOf(*window, "small-1"), u"Downloading"_s);
+        press(*window, TaskAction::Stop);
+        QTRY_COMPARE(stateOf(*window, "small-1"), u"Stopped"_s);
+        window->addAddresses({page("small-2")});
+        QVERIFY(m_site.waitForHeld(2, patience));
         closeWindow(*window); // in the middle of it
         endFaults();
         window = openWindow();
-        QTRY_COMPARE(stateOf(*window, "small-1"), u"Stopped"_s);
+        QTRY_COMPARE(stateOf(*window, "small-2"), u"Interrupted"_s);
+        window->findChild<QMessageBox *>()->button(QMessageBox::Yes)->click();
+        QTRY_COMPARE(stateOf(*window, "small-2"), u"Finished"_s);
+        QCOMPARE(stateOf(*window, "small-1"), u"Stopped"_s);
         press(*window, TaskAction::Resume);
         QTRY_COMPARE(stateOf(*window, "small-1"), u"Finished"_s);
         QCOMPARE(contents(path("videos/Small video 1.flv")), smallVideo(1, 34));
@@ -338,6 +345,20 @@ private slots:
         second.join();
         QVERIFY(taken);
         QCOMPARE(received.first().first().toStringList(), addresses);
+    }
+
+    void hugeThumbnailIsLeftOut()
+    {
+        Misbehaviour huge;
+        huge.prefix = "/thumbnail/small-6.jpg";
+        huge.answer = SiteAnswer{200, "image/jpeg", {}, std::string(100 << 20, 'x')};
+        m_site.addMisbehaviour(huge);
+        auto window = openWindow();
+        window->addAddresses({page("small-6")});
+        QTRY_COMPARE(stateOf(*window, "small-6"), u"Finished"_s);
+        closeWindow(*window);
+        QCOMPARE(QDir(path("videos")).entryList(QDir::Files | QDir::Hidden),
+                 QStringList(u"Small video 6.flv"_s));
     }
 
     void thumbnails()

@@ -90,11 +90,13 @@ void MainWindow::askForDetails()
 void MainWindow::updateActions()
 {
     for (const TaskButton &button : std::as_const(m_taskButtons)) {
-        const QString why = button.single && m_abilities.keys.size() > 1
+        const auto count = m_abilities.keys.size();
+        const QString why = count == 0 ? tr("no video is selected")
+                            : button.single && count > 1
                                 ? tr("only one video at a time")
                                 : m_abilities.obstacles[std::size_t(button.needs)];
-        const bool can = m_abilities.can(button.needs) && !m_closing &&
-                         (!button.single || m_abilities.keys.size() == 1);
+        const bool can =
+            m_abilities.can(button.needs) && !m_closing && (!button.single || count == 1);
         button.action->setEnabled(can);
         button.action->setToolTip(can || why.isEmpty() ? button.toolTip
                                                        : tr("%1: %2").arg(button.toolTip, why));

@@ -106,11 +106,7 @@ void Worker::open()
     if (const HistoryKeeper *keeper = m_session->keeper()) {
         history.setAside = keeper->setAsidePath();
         history.setAsideJournal = keeper->setAsideJournal();
-        const ControllerLock lock;
-        const auto &all = m_session->controller().m_pHistory->m_InfoList;
-        history.interrupted = int(std::count_if(all.cbegin(), all.cend(), [](const CXMLInfo *task) {
-            return taskrecord::isInterrupted(*task);
-        }));
+        history.interrupted = int(taskrequests::interrupted(m_session->controller()).size());
     } else if (QFileInfo(m_historyPath).isFile()) {
         m_session->controller().LoadFromFile(m_historyPath);
     }
@@ -150,7 +146,7 @@ void Worker::close()
 {
     m_closing = true;
     if (m_session && !m_session->isIdle()) {
-        m_session->stopAll();
+        m_session->interruptAll();
         return;
     }
     const QString problem = m_session ? m_session->save() : QString();
@@ -242,7 +238,7 @@ void Worker::resume(const QList<DownloadRequest> &requests)
 void Worker::resumeInterrupted()
 {
     if (!isReadOnly())
-        resume(taskrequests::toResume(m_session->controller()));
+        resume(taskrequests::interrupted(m_session->controller()));
 }
 
 void Worker::move(const QStringList &keys, bool forward)

@@ -639,6 +639,10 @@
         <translation>Der Verlauf konnte nicht gespeichert werden: %1</translation>
     </message>
     <message>
+        <source>no video is selected</source>
+        <translation>kein Video ausgewählt</translation>
+    </message>
+    <message>
         <source>only one video at a time</source>
         <translation>nur für ein einzelnes Video</translation>
     </message>
