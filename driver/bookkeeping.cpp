@@ -101,7 +101,7 @@ void Dispatcher::dropInspected(const Task &task)
         static_cast<void>(record.release()); // the list's
 }
 
-void Dispatcher::noteEnd(const Task &task, DownloadOutcome outcome)
+void Dispatcher::recordEnd(const Task &task, DownloadOutcome outcome)
 {
     m_port.forget(task.key);
     const ControllerLock lock;

@@ -104,7 +104,7 @@ ControllerPort::Answer ControllerPort::sendParse(const QString &key, const Downl
 }
 
 // The engine may answer from inside the request: the record is looked up anew behind it. The
-// library does not tell whether the engine took the parse.
+// library does not say whether the engine took the parse.
 ControllerPort::Answer ControllerPort::parseForUpgrade(const QString &key, Profile_Desc profile)
 {
     const ControllerLock lock;

@@ -67,7 +67,7 @@ std::optional<Conversion> pending(CDown &controller, DownloadResult &result,
     return Conversion{result, info.strSrcFile, info.strDstFile, info.ProfileDesc, record->Duration};
 }
 
-void note(CDown &controller, const DownloadResult &result)
+void recordResult(CDown &controller, const DownloadResult &result)
 {
     const ControllerLock lock;
     CXMLInfo *record = controller.getXMLInfo(result.key);

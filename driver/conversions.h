@@ -27,7 +27,7 @@ std::optional<Conversion> pending(CDown &controller, DownloadResult &result,
                                   const Profile_Desc &wish);
 
 /** Notes how a conversion has ended. */
-void note(CDown &controller, const DownloadResult &result);
+void recordResult(CDown &controller, const DownloadResult &result);
 
 } // namespace conversions
 

@@ -52,10 +52,11 @@ Dispatcher::~Dispatcher()
 void Dispatcher::setKeeper(HistoryKeeper *keeper)
 {
     m_keeper = keeper;
-    const auto noteSize = [keeper](const QString &key, qint64 bytes) {
-        keeper->noteSize(key, bytes);
+    const auto recordSize = [keeper](const QString &key, qint64 bytes) {
+        keeper->recordSize(key, bytes);
     };
-    m_port.mailbox().setSizeListener(keeper == nullptr ? EngineMailbox::SizeListener() : noteSize);
+    m_port.mailbox().setSizeListener(keeper == nullptr ? EngineMailbox::SizeListener()
+                                                       : recordSize);
 }
 
 QString Dispatcher::add(const DownloadRequest &request)
@@ -139,7 +140,7 @@ void Dispatcher::endUnsent()
     }
 }
 
-// Nothing begins, and nothing is told, before it is on disk.
+// Nothing begins, and nothing is announced, before it is on disk.
 void Dispatcher::work()
 {
     do {
@@ -161,7 +162,7 @@ void Dispatcher::commit()
         settleIfAtRest(key);
 }
 
-void Dispatcher::tell(std::function<void()> signal)
+void Dispatcher::announce(std::function<void()> signal)
 {
     m_signals.append(std::move(signal));
 }
@@ -170,7 +171,7 @@ void Dispatcher::emitAll()
 {
     for (const QString &key : QSet<QString>(m_progressed)) {
         if (const Task *task = m_tasks.find(key))
-            tellProgress(*task);
+            announceProgress(*task);
     }
     for (const auto &signal : std::exchange(m_signals, {}))
         signal();

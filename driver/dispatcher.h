@@ -19,9 +19,9 @@
 class HistoryKeeper;
 
 /**
- * Works in turns of the event loop: takes in what the engine told, hands over what has room, and
- * then emits the driver's signals. Functions that end a task return, or note, what they found; a
- * task leaves the table in `end` only.
+ * Works in turns of the event loop: takes in what the engine reported, hands over what has room,
+ * and then emits the driver's signals. Functions that end a task return, or note, what they found;
+ * a task leaves the table in `end` only.
  */
 class Dispatcher : public QObject
 {
@@ -62,7 +62,7 @@ private:
     void work();
     void commit();
     void emitAll();
-    void tell(std::function<void()> signal);
+    void announce(std::function<void()> signal);
 
     // Handing over (handover.cpp)
     void nameVideos();
@@ -89,14 +89,14 @@ private:
     void setState(const Task &task, TaskState state);
     bool answerFromRecord(Task &task);
     void dropInspected(const Task &task);
-    void noteEnd(const Task &task, DownloadOutcome outcome);
+    void recordEnd(const Task &task, DownloadOutcome outcome);
     void settleIfAtRest(const QString &key);
 
     // Larger pictures (upgrading.cpp)
     ControllerPort::Answer sendUpgradeParse(Task &task);
     bool confirmUpgrade(Task &task, const PictureSize &offered);
     std::optional<FailureReason> setAsideForUpgrade(const Task &task, Upgrade &upgrade);
-    void noteUpgradeNames(const Task &task);
+    void recordUpgradeNames(const Task &task);
     void endUpgrade(Task &task, DownloadResult &result);
 
     // Events and ends (taskevents.cpp)
@@ -104,8 +104,8 @@ private:
     void handleThumbnail(const EngineEvent &event);
     void handleParse(Task &task, const EngineEvent &event);
     void handleVideo(Task &task, const EngineEvent &event);
-    void noteProgress(Task &task, const EngineEvent &event);
-    void tellProgress(const Task &task);
+    void updateProgress(Task &task, const EngineEvent &event);
+    void announceProgress(const Task &task);
     void parsed(Task &task);
     std::optional<FailureReason> takeAnswer(Task &task, DownloadResult &result);
     void finished(Task &task);
@@ -127,7 +127,7 @@ private:
     TaskTable m_tasks;
     QStringList m_thumbnailsToGet;          // task keys, some of ended tasks
     QSet<QString> m_thumbnails;             // the same, at the engine
-    QSet<QString> m_progressed;             // whose progress is to be told
+    QSet<QString> m_progressed;             // whose progress is to be announced
     QList<std::function<void()>> m_signals; // to be emitted at the turn's end
     QSet<QString> m_changed;                // tasks whose records are to be committed
     HistoryKeeper *m_keeper = nullptr;

@@ -48,7 +48,7 @@ public:
         QString offerAdvice = QStringLiteral("Look at the page in a browser.");
         /**
          * Whether a video's failure may come from a stream address that is no longer good; may be
-         * empty: none does. Such a task asks the site for new addresses, once, and goes on with
+         * empty: none does. Such a task asks the site for new addresses, once, and continues with
          * them under the same file name.
          */
         std::function<bool(double)> hasExpired;
@@ -63,8 +63,8 @@ public:
 
     /**
      * Has everything on disk before it happens, from now on: a task before it begins, a file's name
-     * before it is taken, a result before it is told. @param keeper of this driver's controller;
-     * null ends that, and must come before the keeper is destroyed
+     * before it is taken, a result before it is announced. @param keeper of this driver's
+     * controller; null ends that, and must come before the keeper is destroyed
      */
     void setKeeper(HistoryKeeper *keeper);
 
@@ -116,7 +116,7 @@ public:
     /** The same for a record of the controller's list. The caller holds the controller lock. */
     std::optional<QString> obstacle(const CXMLInfo &record, TaskAction action) const;
 
-    /** Whether no task waits or runs, and nothing is left to be told. */
+    /** Whether no task waits or runs, and nothing is left to announce. */
     bool isIdle() const;
     /** The controller, for reading tasks; what is at work belongs to the driver. */
     CDown &controller();

@@ -18,11 +18,11 @@ DownloadSession::DownloadSession(const DownloadDriver::Settings &settings, QObje
 {
     connect(&m_driver, &DownloadDriver::progressed, this, &DownloadSession::progressed);
     connect(&m_driver, &DownloadDriver::ended, this, &DownloadSession::settle);
-    connect(&m_driver, &DownloadDriver::idle, this, &DownloadSession::tellIdle);
+    connect(&m_driver, &DownloadDriver::idle, this, &DownloadSession::emitIdle);
     connect(&m_converter, &Converter::started, this, &DownloadSession::converting);
     connect(&m_converter, &Converter::progressed, this, &DownloadSession::progressed);
     connect(&m_converter, &Converter::ended, this, &DownloadSession::converted);
-    connect(&m_converter, &Converter::idle, this, &DownloadSession::tellIdle);
+    connect(&m_converter, &Converter::idle, this, &DownloadSession::emitIdle);
 }
 
 DownloadSession::~DownloadSession()
@@ -133,20 +133,20 @@ void DownloadSession::settle(DownloadResult result)
     }
     if (conversion) { // stopped in the meantime
         result.outcome = DownloadOutcome::Stopped;
-        conversions::note(controller(), result);
+        conversions::recordResult(controller(), result);
         commit(result.key);
     }
-    tellEnd(result);
+    emitEnded(result);
 }
 
 void DownloadSession::converted(const DownloadResult &result)
 {
     m_converting.remove(result.key);
-    conversions::note(controller(), result);
+    conversions::recordResult(controller(), result);
     commit(result.key);
     if (m_keeper)
         m_keeper->settle(result.key);
-    tellEnd(result);
+    emitEnded(result);
 }
 
 void DownloadSession::commit(const QString &key)
@@ -155,7 +155,7 @@ void DownloadSession::commit(const QString &key)
         m_keeper->commit({key});
 }
 
-void DownloadSession::tellEnd(const DownloadResult &result)
+void DownloadSession::emitEnded(const DownloadResult &result)
 {
     if (m_interrupting && result.outcome == DownloadOutcome::Stopped) {
         {
@@ -168,7 +168,7 @@ void DownloadSession::tellEnd(const DownloadResult &result)
     emit ended(result);
 }
 
-void DownloadSession::tellIdle()
+void DownloadSession::emitIdle()
 {
     if (isIdle())
         emit idle();

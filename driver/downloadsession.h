@@ -78,8 +78,8 @@ private:
     void settle(DownloadResult result);
     void converted(const DownloadResult &result);
     void commit(const QString &key);
-    void tellEnd(const DownloadResult &result);
-    void tellIdle();
+    void emitEnded(const DownloadResult &result);
+    void emitIdle();
 
     DownloadDriver m_driver;
     Converter m_converter;

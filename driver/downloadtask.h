@@ -1,4 +1,4 @@
-/** What an application asks of the driver for one video, and what it is told. Plain values. */
+/** What an application asks of the driver for one video, and what it hears back. Plain values. */
 #ifndef VIDEODOWN_DRIVER_DOWNLOADTASK_H
 #define VIDEODOWN_DRIVER_DOWNLOADTASK_H
 
@@ -59,7 +59,7 @@ struct FailureReason
     QString advice; ///< a sentence; may be empty
 };
 
-/** A task's end; told exactly once for each task. */
+/** A task's end; announced exactly once for each task. */
 struct DownloadResult
 {
     QString key;     ///< task key

@@ -10,7 +10,7 @@ int EngineMailbox::onState(void *user, const char *key, tagDownloadStateCode cod
 {
     auto &mailbox = *static_cast<EngineMailbox *>(user);
     if (code == DOWN_STATE_FILE_SIZE)
-        mailbox.tellSize(key, value);
+        mailbox.announceSize(key, value);
     mailbox.post(key, code, value);
     return 0;
 }
@@ -28,7 +28,7 @@ void EngineMailbox::setSizeListener(SizeListener listener)
     m_sizeListener = std::move(listener);
 }
 
-void EngineMailbox::tellSize(const char *key, double value)
+void EngineMailbox::announceSize(const char *key, double value)
 {
     const MutexLock lock(m_listenerMutex);
     if (m_sizeListener && value > 0 && value < 9e18)

@@ -50,7 +50,7 @@ public:
     bool holdsEndOf(const QString &key) const;
 
 private:
-    void tellSize(const char *key, double value);
+    void announceSize(const char *key, double value);
     void post(const char *key, tagDownloadStateCode code, double value);
 
     const std::function<void()> m_wake;

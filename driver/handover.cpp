@@ -88,7 +88,7 @@ void Dispatcher::sendParse(Task &task)
     } else {
         setState(task, TaskState::Running);
         m_tasks.moveTo(task, Stage::Parsing);
-        tell([this, key = task.key] { emit m_driver.started(key); });
+        announce([this, key = task.key] { emit m_driver.started(key); });
     }
 }
 

@@ -121,15 +121,15 @@ QString HistoryKeeper::load()
         count = std::async(std::launch::async, countTasks, m_path);
         m_controller.LoadFromFile(m_path);
     }
-    const bool sound = !count.valid() || count.get().has_value();
+    const bool intact = !count.valid() || count.get().has_value();
     QList<QJsonObject> entries;
     const bool hasJournal = QFileInfo::exists(m_path + QLatin1String(".journal"));
     const auto found =
         hasJournal ? m_journal->open(Journal::digestOf(m_path), entries) : Journal::Found::Nothing;
-    if (found == Journal::Found::Foreign && sound)
+    if (found == Journal::Found::Foreign && intact)
         return setAsideForeignJournal();
     replay(entries); // of a damaged history it is the journal, whatever its digest
-    return sound ? QString() : setAside();
+    return intact ? QString() : setAside();
 }
 
 // A second name rather than a new one: the history keeps a name at every moment.
@@ -250,7 +250,7 @@ void HistoryKeeper::settle(const QString &key)
 bool HistoryKeeper::append(const QList<QJsonObject> &entries)
 {
     if (!m_open)
-        return tell(tr("the history is not open"));
+        return reportSave(tr("the history is not open"));
     QByteArray digest;
     {
         const MutexLock lock(m_mutex);
@@ -259,13 +259,13 @@ bool HistoryKeeper::append(const QList<QJsonObject> &entries)
         digest = *m_digest;
     }
     if (!m_journal->append(entries, digest) || !m_journal->sync())
-        return tell(tr("%1.journal cannot be written; the disk may be full").arg(m_path));
+        return reportSave(tr("%1.journal cannot be written; the disk may be full").arg(m_path));
     if (m_journal->size() > shortJournal + QFileInfo(m_path).size())
-        return tell(save());
-    return tell({});
+        return reportSave(save());
+    return reportSave({});
 }
 
-bool HistoryKeeper::tell(const QString &problem)
+bool HistoryKeeper::reportSave(const QString &problem)
 {
     if (!problem.isEmpty() && !m_failing)
         emit saveFailed(problem);
@@ -273,7 +273,7 @@ bool HistoryKeeper::tell(const QString &problem)
     return problem.isEmpty();
 }
 
-void HistoryKeeper::noteSize(const QString &key, qint64 bytes)
+void HistoryKeeper::recordSize(const QString &key, qint64 bytes)
 {
     const MutexLock lock(m_mutex);
     QJsonObject entry{{taskName, key}};

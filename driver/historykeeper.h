@@ -21,19 +21,19 @@ struct UpgradeFiles;
 
 /**
  * One keeper writes one history at a time, in this or any other program: a lock file,
- * NAME.lock, sees to it, which counts for as long as its program lives.
+ * NAME.lock, ensures that, and is valid for as long as its program lives.
  *
- * Changes go to a journal beside the history, NAME.journal, before what they tell of happens. The
+ * Changes go to a journal beside the history, NAME.journal, before what they describe happens. The
  * history itself is rewritten when the journal has grown long, and by `save`: to NAME.new, which is
  * read back, flushed to disk and renamed over the history, whose last version stays as
  * NAME.previous. So history and journal together are whole at every moment, and a disk that is full
  * costs the save, not the history. When the program ends suddenly, the next `open` reads both, and
- * takes away what was reserved for the tasks of the journal and never used.
+ * removes what was reserved for the tasks of the journal and never used.
  *
  * A history that is not well-formed XML is first set aside as NAME.damaged-DATE, then what could be
- * read of it goes on. A journal of another history is set aside alike.
+ * read of it is kept. A journal of another history is set aside alike.
  *
- * Threads: belongs to the thread that made it, except `noteSize`. Not to be called with the
+ * Threads: belongs to the thread that made it, except `recordSize`. Not to be called with the
  * controller lock held: it takes it, and writes to disk without it.
  */
 class HistoryKeeper : public QObject
@@ -55,7 +55,7 @@ public:
      * @return the reason in English why the history cannot be used; empty on success
      */
     QString open();
-    /** Where a damaged history was set aside by `open`; empty when it was sound. */
+    /** Where a damaged history was set aside by `open`; empty when it was intact. */
     QString setAsidePath() const;
     /** Where a journal of another history was set aside by `open`; empty when there was none. */
     QString setAsideJournal() const;
@@ -63,22 +63,23 @@ public:
     /**
      * Has the records of these tasks on disk when it returns. For tasks whose upgrade has begun,
      * their records stay as they were on disk until it has ended.
-     * @return whether that worked; if not, `saveFailed` tells, and the tasks are tried again with
-     * the next ones
+     * @return whether that worked; if not, `saveFailed` says why, and the tasks are tried again
+     * with the next ones
      */
     bool commit(const QStringList &keys);
 
     /**
      * The task has come to rest: none of its files is being written any more. Until then, the next
-     * `open` after a sudden end looks after what the task left behind.
+     * `open` after a sudden end cleans up what the task left behind.
      */
     void settle(const QString &key);
 
     /**
-     * Notes the size of a task's video, so that after a sudden end of the program the complete file
-     * can be told from anybody else's. To be called before the file gets its name. Any thread.
+     * Records the size of a task's video, so that after a sudden end of the program the complete file
+     * can be distinguished from anybody else's. To be called before the file gets its name. Any
+     * thread.
      */
-    void noteSize(const QString &key, qint64 bytes);
+    void recordSize(const QString &key, qint64 bytes);
 
     /**
      * Has on disk when it returns that these files of the task are about to be set aside. Unless
@@ -108,7 +109,7 @@ private:
     QString writeAnew();
     QString writeNew(const QString &path);
     bool replaceBy(const QString &path);
-    bool tell(const QString &problem);
+    bool reportSave(const QString &problem);
 
     CDown &m_controller;
     const QString m_path;

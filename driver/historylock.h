@@ -8,7 +8,7 @@
 /**
  * A lock file, HISTORY.lock. It is as good as its program: when that is gone, so is the lock,
  * however it ended; while that lives, so does the lock, however old it is. A lock file that cannot
- * be read tells of no program; it is one that is just being made, or one whose program ended before
+ * be read names no program; it is one that is just being made, or one whose program ended before
  * it was written, and ceases to count when it has stayed so for a moment.
  */
 class HistoryLock

@@ -14,9 +14,10 @@
  * so a change is on disk for the price of one short write. A line that a sudden end of the program
  * tore is recognised by its checksum, one that stands twice by its number; both are passed over.
  *
- * The first line tells by their digest which bytes of the history the lines belong to. Before a
- * newer history takes the place of that one, a line tells its digest too. So after a sudden end,
- * what the history has already can be told from what it lacks, and from another history's journal.
+ * The first line says by their digest which bytes of the history the lines belong to. Before a
+ * newer history takes the place of that one, a line gives its digest too. So after a sudden end,
+ * what the history has already can be distinguished from what it lacks, and from another history's
+ * journal.
  *
  * Threads: every member may be called from any thread, but for `open`, which comes first.
  */

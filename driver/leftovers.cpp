@@ -29,7 +29,8 @@ Names of(const CXMLInfo &record, const UnfinishedFiles &unfinished)
         names.unfinished = unfinished(record.ImagePath);
     if (!taskrecord::isInterrupted(record))
         return names;
-    if (unfinished && taskrecord::isDownloaded(record)) // it had its name, but its end was not told
+    if (unfinished &&
+        taskrecord::isDownloaded(record)) // it had its name, but its end was not recorded
         names.unfinished << unfinished(record.FileName);
     names.reserved << record.FileName;
     if (record.IsOrgVideo == 1)

@@ -98,16 +98,16 @@ void Dispatcher::handleVideo(Task &task, const EngineEvent &event)
         task.diskFull = true;
         break;
     case DOWN_STATE_RETRY_DOWNLOAD:
-        tell([this, key = task.key, attempt = int(event.value)] {
+        announce([this, key = task.key, attempt = int(event.value)] {
             emit m_driver.retrying(key, attempt);
         });
         break;
     default:
-        noteProgress(task, event);
+        updateProgress(task, event);
     }
 }
 
-void Dispatcher::noteProgress(Task &task, const EngineEvent &event)
+void Dispatcher::updateProgress(Task &task, const EngineEvent &event)
 {
     const qint64 value = wholeNumber(event.value);
     if (event.code == DOWN_STATE_FILE_SIZE)
@@ -121,17 +121,17 @@ void Dispatcher::noteProgress(Task &task, const EngineEvent &event)
     m_progressed.insert(task.key);
 }
 
-void Dispatcher::tellProgress(const Task &task)
+void Dispatcher::announceProgress(const Task &task)
 {
     if (m_progressed.remove(task.key))
-        tell([this, progress = task.progress] { emit m_driver.progressed(progress); });
+        announce([this, progress = task.progress] { emit m_driver.progressed(progress); });
 }
 
 void Dispatcher::parsed(Task &task)
 {
     DownloadResult result;
     const auto failure = takeAnswer(task, result);
-    tell([this, key = task.key, title = task.progress.title] {
+    announce([this, key = task.key, title = task.progress.title] {
         emit m_driver.described(key, title);
     });
     if (failure) {
@@ -264,7 +264,7 @@ void Dispatcher::endStopped(Task &task)
 // The one place where a task ends.
 void Dispatcher::end(Task &task, DownloadResult result)
 {
-    tellProgress(task);
+    announceProgress(task);
     Task ended = m_tasks.take(task);
     result.key = ended.key;
     result.address = ended.request.address;
@@ -276,7 +276,7 @@ void Dispatcher::end(Task &task, DownloadResult result)
     }
     if (ended.request.inspectOnly)
         dropInspected(ended);
-    noteEnd(ended, result.outcome);
+    recordEnd(ended, result.outcome);
     endUpgrade(ended, result);
-    tell([this, result] { emit m_driver.ended(result); });
+    announce([this, result] { emit m_driver.ended(result); });
 }

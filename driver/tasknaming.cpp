@@ -77,7 +77,7 @@ void Dispatcher::recordName(Task &task, const OutputName &name)
         record->ConvertionDesc = QStringLiteral(""); // the new video is not converted yet
     }
     m_changed.insert(task.key);
-    noteUpgradeNames(task);
+    recordUpgradeNames(task);
 }
 
 // Two unfinished tasks can remember one name: it was free again when the

@@ -56,7 +56,7 @@ bool isBegunCopy(const QString &copy, const QString &video);
 /** Whether all that the task lacks is the copy of its video, which can be made in its place. */
 bool lacksOnlyItsCopy(const CXMLInfo &record);
 
-/** The request that goes on with the task where it is, with the same wishes. */
+/** The request that continues the task where it is, with the same wishes. */
 DownloadRequest requestFor(const CXMLInfo &record);
 
 /**

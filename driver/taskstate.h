@@ -8,7 +8,7 @@
  * How far a task is. Histories keep these numbers: they never change their meaning.
  *
  * Waiting and Running mean what they say only while a driver has the task. Found in a history that
- * was just loaded, they tell that the program was interrupted.
+ * was just loaded, they mean that the program was interrupted.
  */
 enum class TaskState : int {
     None = -1,    ///< never taken on by a driver

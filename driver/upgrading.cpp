@@ -50,7 +50,7 @@ std::optional<FailureReason> Dispatcher::setAsideForUpgrade(const Task &task, Up
                          Texts::tr("Move away what is in its place.")};
 }
 
-void Dispatcher::noteUpgradeNames(const Task &task)
+void Dispatcher::recordUpgradeNames(const Task &task)
 {
     if (!task.upgrade || m_keeper == nullptr)
         return;
@@ -62,7 +62,7 @@ void Dispatcher::noteUpgradeNames(const Task &task)
 }
 
 // A new video takes the old one's place; otherwise all is as it was. The files come first: the
-// record tells what became of them.
+// record says what became of them.
 void Dispatcher::endUpgrade(Task &task, DownloadResult &result)
 {
     if (!task.upgrade)

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-/** The faults that were told to the site. All members may be called on any thread. */
+/** The faults that the site was given. All members may be called on any thread. */
 class Faults
 {
 public:

@@ -7,7 +7,7 @@
 
 SiteAnswer gzipBomb(std::size_t bytes)
 {
-    constexpr int gzipFormat = 16 + MAX_WBITS; // as zlib wants to be told
+    constexpr int gzipFormat = 16 + MAX_WBITS; // as zlib expects it
     constexpr int memory = 8;
     z_stream stream{};
     SiteAnswer answer{200, "video/x-flv", {{"Content-Encoding", "gzip"}}, {}};

@@ -6,7 +6,7 @@
 /** Whether anything in the header block is not as it should be. */
 bool spoilsHead(const Misbehaviour &fault);
 
-/** Whether the end of the body can only be told by the end of the connection. */
+/** Whether the end of the body can only be recognised by the end of the connection. */
 bool endsWithConnection(const Misbehaviour &fault);
 
 /**

@@ -146,7 +146,7 @@ HttpServer::HttpServer(Gate &gate) : m_gate(gate)
 {
     constexpr std::size_t mostConnections = 64;
     new_task_queue = [] { return new httplib::ThreadPool(mostConnections); };
-    // Only told to clients by the library; serveRequests() is what ends a connection.
+    // The library only announces it to clients; serveRequests() is what ends a connection.
     set_keep_alive_timeout(idleLimit.count());
     set_keep_alive_max_count(1000000);
     set_tcp_nodelay(true);

@@ -27,7 +27,7 @@
  * Addresses in the answers start with the Host header of the request, and with https when they
  * came over TLS.
  *
- * Faults are told with Misbehaviour. A Range header that cannot be read is answered by the HTTP
+ * Faults are set with Misbehaviour. A Range header that cannot be read is answered by the HTTP
  * library underneath, with 416, before it is recorded here.
  */
 

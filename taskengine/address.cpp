@@ -5,7 +5,7 @@ namespace taskengine {
 Address parsedAddress(const std::string &text)
 {
     Address address(curl_url());
-    const unsigned flags = CURLU_NON_SUPPORT_SCHEME; // told apart from what is no address at all
+    const unsigned flags = CURLU_NON_SUPPORT_SCHEME; // distinguished from what is no address at all
     if (address && curl_url_set(address.get(), CURLUPART_URL, text.c_str(), flags) != CURLUE_OK)
         address.reset();
     return address;

@@ -139,7 +139,7 @@ std::optional<Fault> DownloadJob::continuePart(const ResponseHead &head)
     return expect(facts.total);
 }
 
-/** RFC 9110, section 15.5.17: the size in the answer tells whether there is nothing left to get. */
+/** RFC 9110, section 15.5.17: the size in the answer shows whether there is nothing left to get. */
 std::optional<Fault> DownloadJob::judgeUnsatisfiable(const ResponseHead &head)
 {
     const bool isWhole = m_part->size() == m_part->facts().total;

@@ -12,7 +12,7 @@
 
 namespace taskengine {
 
-/** The last step of a download, done when all that was to be told before it has been told. */
+/** The last step of a download, done when every earlier event has been delivered. */
 class Completion
 {
 public:

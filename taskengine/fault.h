@@ -1,4 +1,4 @@
-/** Faults: how they are told apart, and which of them may pass. */
+/** Faults: how they are distinguished, and which of them may pass. */
 #ifndef VIDEODOWN_TASKENGINE_FAULT_H
 #define VIDEODOWN_TASKENGINE_FAULT_H
 

@@ -1,4 +1,4 @@
-/** The work for one request: tries, delays, pauses and the events that tell about them. */
+/** The work for one request: tries, delays, pauses and the events that report them. */
 #ifndef VIDEODOWN_TASKENGINE_JOB_H
 #define VIDEODOWN_TASKENGINE_JOB_H
 

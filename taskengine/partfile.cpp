@@ -152,7 +152,7 @@ bool PartFile::hasSpaceFor(std::int64_t bytes) const
 {
     struct statvfs system = {};
     if (bytes <= 0 || ::fstatvfs(m_file, &system) != 0 || system.f_blocks == 0)
-        return true; // some network file systems do not tell
+        return true; // some network file systems do not say
     return static_cast<std::uint64_t>(bytes) / system.f_frsize <= system.f_bavail;
 }
 

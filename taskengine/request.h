@@ -46,7 +46,7 @@ private:
 
 using RequestPointer = std::shared_ptr<Request>;
 
-/** What the transfer thread is told. */
+/** What the transfer thread is asked to do. */
 struct Command
 {
     enum class Verb { Start, Stop, TogglePause };

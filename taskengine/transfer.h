@@ -15,7 +15,7 @@ namespace taskengine {
 
 using Clock = std::chrono::steady_clock;
 
-/** What a transfer tells its owner, on the transfer thread. */
+/** What a transfer reports to its owner, on the transfer thread. */
 class TransferClient
 {
 public:

@@ -16,7 +16,7 @@ struct UnfinishedFiles
 /**
  * @param target path that a request was sent with; need not exist
  * @return the paths that the default engine uses for it. Names that leave no room for a suffix are
- * shortened, which depends on the file system: so this function, not a rule of thumb, tells which
+ * shortened, which depends on the file system: so this function, not a rule of thumb, says which
  * files belong to a target.
  * Thread-safe. Opens and changes nothing.
  */

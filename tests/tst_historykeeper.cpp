@@ -151,7 +151,7 @@ private slots:
             taskOf(first.controller, u"one"_s)->Profile->m_pDesc->vFps = 25;
             taskOf(first.controller, u"one"_s)->Progress = 7;
             QVERIFY(first.commit({u"one"_s}));
-            first.keeper.noteSize(keyOf(u"two \U0001f386\n\"<&"_s), 5000000000);
+            first.keeper.recordSize(keyOf(u"two \U0001f386\n\"<&"_s), 5000000000);
             QVERIFY(!contentOf(m_path).contains("two"));
             takeAway();
         }
@@ -331,7 +331,7 @@ private slots:
             QVERIFY(first.keeper.beginUpgrade(keyOf(u"one"_s), files));
             files.fresh = {file(u"video.mp4"_s)};
             QVERIFY(first.keeper.beginUpgrade(keyOf(u"one"_s), files));
-            first.keeper.noteSize(keyOf(u"one"_s), 6);
+            first.keeper.recordSize(keyOf(u"one"_s), 6);
             task->State = int(TaskState::Running);
             QVERIFY(first.commit({u"one"_s}));
             takeAway();

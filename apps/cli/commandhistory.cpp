@@ -10,21 +10,21 @@ namespace commandhistory {
 
 namespace {
 
-void tell(const QString &message)
+void warn(const QString &message)
 {
     standardstreams::writeMessage(QStringLiteral("videodown: ") + message);
 }
 
-bool tellOpened(const QString &problem, const HistoryKeeper &keeper)
+bool reportOpened(const QString &problem, const HistoryKeeper &keeper)
 {
     if (!problem.isEmpty())
-        tell(problem);
+        warn(problem);
     else if (!keeper.setAsidePath().isEmpty())
-        tell(QStringLiteral("the history was damaged; what could be read of it was kept, and the "
+        warn(QStringLiteral("the history was damaged; what could be read of it was kept, and the "
                             "damaged file is now %1")
                  .arg(keeper.setAsidePath()));
     if (!keeper.setAsideJournal().isEmpty())
-        tell(QStringLiteral("the journal beside the history belongs to another history; it is now "
+        warn(QStringLiteral("the journal beside the history belongs to another history; it is now "
                             "%1")
                  .arg(keeper.setAsideJournal()));
     return problem.isEmpty();
@@ -49,7 +49,7 @@ QString keyNamed(CDown &controller, const QString &name)
     const QStringList keys = name.isEmpty() ? QStringList() : keysBeginningWith(controller, name);
     if (keys.size() == 1)
         return keys.first();
-    tell(keys.isEmpty()
+    warn(keys.isEmpty()
              ? QStringLiteral("the history has no task \"%1\"").arg(name)
              : QStringLiteral("%1 tasks have keys that begin with \"%2\"; give more of the key")
                    .arg(keys.size())
@@ -75,28 +75,28 @@ QString pathFor(const CommandLine &line)
 
 bool open(HistoryKeeper &keeper)
 {
-    return tellOpened(keeper.open(), keeper);
+    return reportOpened(keeper.open(), keeper);
 }
 
 bool open(DownloadSession &session, const QString &path)
 {
     const QString problem = session.open(path);
     if (session.keeper() != nullptr)
-        return tellOpened(problem, *session.keeper());
-    tell(problem);
+        return reportOpened(problem, *session.keeper());
+    warn(problem);
     return false;
 }
 
-bool tellProblem(const QString &problem)
+bool reportProblem(const QString &problem)
 {
     if (!problem.isEmpty())
-        tell(QStringLiteral("the history cannot be saved: ") + problem);
+        warn(QStringLiteral("the history cannot be saved: ") + problem);
     return problem.isEmpty();
 }
 
 bool save(HistoryKeeper &keeper)
 {
-    return tellProblem(keeper.save());
+    return reportProblem(keeper.save());
 }
 
 std::optional<QStringList> keysOf(CDown &controller, const QStringList &names)

@@ -1,4 +1,4 @@
-/** The history as the commands see it. Problems are told on standard error. */
+/** The history as the commands see it. Problems are reported on standard error. */
 #ifndef VIDEODOWN_CLI_COMMANDHISTORY_H
 #define VIDEODOWN_CLI_COMMANDHISTORY_H
 
@@ -21,7 +21,7 @@ bool open(HistoryKeeper &keeper);
 bool open(DownloadSession &session, const QString &path);
 
 /** @return whether `problem`, a reason why the history cannot be saved, is empty */
-bool tellProblem(const QString &problem);
+bool reportProblem(const QString &problem);
 
 /** Writes the history. @return whether that worked */
 bool save(HistoryKeeper &keeper);

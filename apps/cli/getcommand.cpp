@@ -9,7 +9,8 @@
 
 namespace {
 
-// An absolute path of a folder that can be used, made when it is missing; else empty, and told why.
+// An absolute path of a folder that can be used, made when it is missing; else empty, and the
+// reason is reported.
 QString usableFolder(const QString &typed)
 {
     QString folder = QDir::cleanPath(QDir::current().absoluteFilePath(typed));

@@ -8,7 +8,7 @@ namespace {
 struct Line
 {
     QString label;
-    int quarters = -1; // told so far; -1: not even the beginning
+    int quarters = -1; // shown so far; -1: not even the beginning
     QString work = QStringLiteral("downloading");
 };
 

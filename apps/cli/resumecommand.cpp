@@ -9,7 +9,7 @@
 
 namespace {
 
-// Nothing when a named task does not fit; that is told.
+// Nothing when a named task does not fit; that is reported.
 std::optional<QList<DownloadRequest>> requestsToRetry(Session &session, const CommandLine &line)
 {
     CDown &controller = session.driver().controller();

@@ -114,9 +114,9 @@ ExitStatus Session::run(const QList<DownloadRequest> &requests)
     QEventLoop loop;
     connect(&m_session, &DownloadSession::idle, &loop, &QEventLoop::quit);
     loop.exec();
-    const bool saved = commandhistory::tellProblem(m_session.save());
+    const bool saved = commandhistory::reportProblem(m_session.save());
     if (!m_line.quiet && m_line.command != Command::Formats)
-        tellSummary();
+        announceSummary();
     if (m_failed + m_stopped > 0 || m_outputBroken || !saved)
         m_status.code = ExitFailed;
     return m_status;
@@ -133,7 +133,7 @@ void Session::count(const DownloadResult &result)
         m_view->say(summary);
 }
 
-void Session::tellSummary()
+void Session::announceSummary()
 {
     QString summary = QStringLiteral("%1 finished, %2 failed").arg(m_finished).arg(m_failed);
     if (m_stopped > 0)

@@ -21,7 +21,8 @@ public:
     DownloadDriver &driver() { return m_session.driver(); }
     ProgressView &view() { return *m_view; }
 
-    /** Loads the history, and keeps it from now on. @return whether that worked; told if not */
+    /** Loads the history, and keeps it from now on. @return whether that worked; if not, it was
+     * reported */
     bool openHistory();
 
     /** Adds the tasks, and runs until all have ended. */
@@ -34,7 +35,7 @@ public:
      */
     void deliver(const QByteArray &result);
 
-    /** Whether ffmpeg is there, if the command needs it; told if not. */
+    /** Whether ffmpeg is there, if the command needs it; if not, that is reported. */
     bool canConvert();
 
 signals:
@@ -45,7 +46,7 @@ private:
     void follow();
     void settle(const DownloadResult &result);
     void count(const DownloadResult &result);
-    void tellSummary();
+    void announceSummary();
     void interrupt(int number);
 
     const CommandLine m_line;

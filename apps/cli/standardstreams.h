@@ -26,7 +26,7 @@ TerminalSize terminalSize();
 
 /** Writes everything, at once. @return 0, or the error (errno) */
 int writeOutput(const QByteArray &bytes);
-/** The same to standard error, where nobody could be told about an error. */
+/** The same to standard error, where an error could not be reported. */
 void writeError(const QByteArray &bytes);
 
 /** A text as it may be shown: nothing in it controls a terminal. */

@@ -8,7 +8,7 @@
 
 namespace terminaltext {
 
-/** Columns that the text takes; East Asian characters and most pictures take two. */
+/** Columns that the text takes; East Asian characters and most emoji take two. */
 int columns(const QString &text);
 
 /** The text cut to at most `width` columns, with an ellipsis where it was cut. */

@@ -14,7 +14,7 @@ class InstanceLink : public QObject
     Q_OBJECT
 
 public:
-    /** @param name tells the instances of one user and history from others */
+    /** @param name identifies the instances of one user and history */
     explicit InstanceLink(const QString &name, QObject *parent = nullptr);
 
     /** Hands the addresses over. @return false when there is no other instance that takes them */

@@ -73,7 +73,7 @@ void MainWindow::start()
     connect(&m_passwords, &Passwords::found, this,
             [this](const QString & /*account*/, const QString &password) {
                 m_settings.proxy.password = password;
-                tellWorker([worker = m_worker, settings = m_settings] {
+                callWorker([worker = m_worker, settings = m_settings] {
                     worker->applySettings(settings);
                 });
             });

@@ -83,7 +83,7 @@ private:
     void restoreLook();
     void saveLook();
 
-    // What the worker tells (windowevents.cpp)
+    // What the worker reports (windowevents.cpp)
     void historyOpened(const OpenedHistory &history);
     void historyClosed(const QString &problem);
     void showTotals(const DownloadTotals &totals);
@@ -118,7 +118,7 @@ private:
     const TaskRow *selectedRow() const;
     // Nothing comes after "close", which ends the worker's session.
     template <typename Function>
-    void tellWorker(Function function)
+    void callWorker(Function function)
     {
         if (!m_closing)
             QMetaObject::invokeMethod(m_worker, std::move(function), Qt::QueuedConnection);

@@ -26,7 +26,7 @@ public:
         PercentRole,            ///< int, 0 to 100
     };
 
-    /** @param thumbnails must outlive the model; null: no pictures */
+    /** @param thumbnails must outlive the model; null: none are shown */
     explicit TaskModel(Thumbnails *thumbnails, QObject *parent = nullptr);
 
     int rowCount(const QModelIndex &parent = {}) const override;

@@ -83,7 +83,7 @@ QPixmap Thumbnails::pixmap(const QString &path)
     return m_placeholder;
 }
 
-// All pictures get one size, so that the rows' texts begin in one line.
+// All thumbnails get one size, so that the rows' texts begin in one line.
 void Thumbnails::decoded(const QString &path, const std::optional<QImage> &decoded)
 {
     m_decoding.remove(path);

@@ -14,7 +14,7 @@
 
 /**
  * Decodes and scales thumbnails on threads of its own, a bounded number at a time, and keeps a
- * bounded number of them. Files of more than 8 MB, and pictures of more than 2,000 x 2,000 pixels,
+ * bounded number of them. Files of more than 8 MB, and images of more than 2,000 x 2,000 pixels,
  * are not decoded; they, and broken ones, show the placeholder.
  *
  * Threads: belongs to the window's thread.
@@ -24,12 +24,13 @@ class Thumbnails : public QObject
     Q_OBJECT
 
 public:
-    /** @param size of the pictures, in device-independent pixels */
+    /** @param size of the thumbnails, in device-independent pixels */
     explicit Thumbnails(QSize size, QObject *parent = nullptr);
-    /** Waits for the pictures that are being decoded. */
+    /** Waits for the images that are being decoded. */
     ~Thumbnails() override;
 
-    /** The picture of a file, or the placeholder; in that case `ready` comes when it is decoded. */
+    /** The thumbnail of a file, or the placeholder; in that case `ready` comes when it is decoded.
+     */
     QPixmap pixmap(const QString &path);
     const QPixmap &placeholder() const { return m_placeholder; }
 

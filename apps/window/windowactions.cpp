@@ -73,7 +73,7 @@ void MainWindow::askForAbilities()
     if (keys.isEmpty())
         return showAbilities({});
     m_asking = true;
-    tellWorker([worker = m_worker, keys] { worker->findAbilities(keys); });
+    callWorker([worker = m_worker, keys] { worker->findAbilities(keys); });
 }
 
 void MainWindow::askForDetails()
@@ -83,7 +83,7 @@ void MainWindow::askForDetails()
     if (keys.size() != 1)
         return m_details->showNothing(int(keys.size()));
     m_shownState = TaskModel::stateText(*m_model.find(keys.first()));
-    tellWorker([worker = m_worker, key = keys.first()] { worker->findDetails(key); });
+    callWorker([worker = m_worker, key = keys.first()] { worker->findDetails(key); });
 }
 
 // What cannot be done says why in its tool tip.
@@ -108,7 +108,7 @@ void MainWindow::updateActions()
 
 void MainWindow::perform(TaskAction action)
 {
-    tellWorker(
+    callWorker(
         [worker = m_worker, action, keys = selectedKeys()] { worker->perform(action, keys); });
 }
 
@@ -119,7 +119,7 @@ void MainWindow::addAddresses(const QStringList &addresses)
         requests << m_settings.request(address);
     if (requests.isEmpty())
         return;
-    tellWorker([worker = m_worker, requests, convert = m_settings.convert] {
+    callWorker([worker = m_worker, requests, convert = m_settings.convert] {
         worker->add(requests, convert);
     });
     statusBar()->showMessage(tr("%n video(s) added", nullptr, int(requests.size())), 5000);
@@ -133,7 +133,7 @@ void MainWindow::showAddDialog()
     m_addDialog->setAttribute(Qt::WA_DeleteOnClose);
     m_addDialog->setAddresses(AddDialog::addressesIn(QApplication::clipboard()->text()));
     connect(m_addDialog, &AddDialog::inspectRequested, this, [this](const QString &address) {
-        tellWorker([worker = m_worker, address] { worker->inspect(address); });
+        callWorker([worker = m_worker, address] { worker->inspect(address); });
     });
     connect(m_addDialog, &QDialog::accepted, this, [this] { addFrom(*m_addDialog); });
     m_addDialog->open();
@@ -141,7 +141,7 @@ void MainWindow::showAddDialog()
 
 void MainWindow::addFrom(AddDialog &dialog)
 {
-    tellWorker([worker = m_worker, requests = dialog.requests(), convert = dialog.convert()] {
+    callWorker([worker = m_worker, requests = dialog.requests(), convert = dialog.convert()] {
         worker->add(requests, convert);
     });
 }
@@ -178,7 +178,7 @@ void MainWindow::showSettings()
         m_passwords.write(m_settings.proxy.user + u'@' + m_settings.proxy.host,
                           m_settings.proxy.password);
     m_tray.setVisible(m_settings.trayIcon && QSystemTrayIcon::isSystemTrayAvailable());
-    tellWorker([worker = m_worker, settings = m_settings] { worker->applySettings(settings); });
+    callWorker([worker = m_worker, settings = m_settings] { worker->applySettings(settings); });
 }
 
 void MainWindow::renameTask()
@@ -192,7 +192,7 @@ void MainWindow::renameTask()
         QInputDialog::getText(this, tr("Rename"), tr("New name of the file:"), QLineEdit::Normal,
                               QFileInfo(row->path).completeBaseName(), &accepted);
     if (accepted && !name.isEmpty())
-        tellWorker([worker = m_worker, key, name] { worker->rename(key, name); });
+        callWorker([worker = m_worker, key, name] { worker->rename(key, name); });
 }
 
 void MainWindow::upgradeTasks()
@@ -204,7 +204,7 @@ void MainWindow::upgradeTasks()
         this, tr("Larger picture"), tr("Container and picture size:"), sizes, 0, true, &accepted);
     const auto profile = profileIn(wish);
     if (accepted && profile)
-        tellWorker([worker = m_worker, keys = selectedKeys(), profile = *profile] {
+        callWorker([worker = m_worker, keys = selectedKeys(), profile = *profile] {
             worker->upgrade(keys, profile);
         });
 }
@@ -219,19 +219,19 @@ void MainWindow::convertTasks()
                               wishes, 0, true, &accepted);
     const auto profile = profileIn(wish);
     if (accepted && profile)
-        tellWorker([worker = m_worker, keys = selectedKeys(), profile = *profile] {
+        callWorker([worker = m_worker, keys = selectedKeys(), profile = *profile] {
             worker->convert(keys, profile);
         });
 }
 
 void MainWindow::removeTasks()
 {
-    tellWorker([worker = m_worker, keys = selectedKeys()] { worker->remove(keys, false); });
+    callWorker([worker = m_worker, keys = selectedKeys()] { worker->remove(keys, false); });
 }
 
 void MainWindow::deleteTasks()
 {
-    tellWorker([worker = m_worker, keys = selectedKeys()] { worker->findFiles(keys); });
+    callWorker([worker = m_worker, keys = selectedKeys()] { worker->findFiles(keys); });
 }
 
 void MainWindow::openFile()
@@ -257,12 +257,12 @@ void MainWindow::copyAddresses()
 
 void MainWindow::moveUp()
 {
-    tellWorker([worker = m_worker, keys = selectedKeys()] { worker->move(keys, true); });
+    callWorker([worker = m_worker, keys = selectedKeys()] { worker->move(keys, true); });
 }
 
 void MainWindow::moveDown()
 {
-    tellWorker([worker = m_worker, keys = selectedKeys()] { worker->move(keys, false); });
+    callWorker([worker = m_worker, keys = selectedKeys()] { worker->move(keys, false); });
 }
 
 void MainWindow::raiseWindow()

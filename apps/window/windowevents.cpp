@@ -1,4 +1,4 @@
-// What the worker tells, and what the window makes of it.
+// What the worker reports, and what the window makes of it.
 #include "detailspane.h"
 #include "mainwindow.h"
 
@@ -36,7 +36,7 @@ void MainWindow::historyOpened(const OpenedHistory &history)
         QMessageBox::Yes | QMessageBox::No, this);
     question->setAttribute(Qt::WA_DeleteOnClose);
     connect(question, &QMessageBox::accepted, this,
-            [this] { tellWorker([worker = m_worker] { worker->resumeInterrupted(); }); });
+            [this] { callWorker([worker = m_worker] { worker->resumeInterrupted(); }); });
     question->open();
 }
 
@@ -98,7 +98,7 @@ void MainWindow::askForDeletion(const QStringList &keys, const QStringList &file
         question->setDetailedText(files.join(u'\n'));
     QPushButton *sure = question->addButton(tr("&Delete"), QMessageBox::DestructiveRole);
     connect(sure, &QPushButton::clicked, this, [this, keys] {
-        tellWorker([worker = m_worker, keys] { worker->remove(keys, true); });
+        callWorker([worker = m_worker, keys] { worker->remove(keys, true); });
     });
     question->open();
 }

@@ -90,7 +90,7 @@ Worker::Worker(Settings settings, QString historyPath)
     : m_settings(std::move(settings)), m_historyPath(std::move(historyPath)), m_gather(this)
 {
     m_gather.setSingleShot(true);
-    connect(&m_gather, &QTimer::timeout, this, &Worker::tellChanges);
+    connect(&m_gather, &QTimer::timeout, this, &Worker::emitChanges);
 }
 
 Worker::~Worker() = default;
@@ -150,7 +150,7 @@ void Worker::close()
         return;
     }
     const QString problem = m_session ? m_session->save() : QString();
-    tellChanges();
+    emitChanges();
     m_session.reset();
     emit closed(problem);
 }
@@ -409,7 +409,7 @@ void Worker::change(const QString &key)
         m_gather.start(repaintEvery);
 }
 
-void Worker::tellChanges()
+void Worker::emitChanges()
 {
     if (!m_session)
         return;

@@ -84,7 +84,7 @@ private:
     void follow();
     void readAll();
     void change(const QString &key);
-    void tellChanges();
+    void emitChanges();
     TaskRow rowOf(const CXMLInfo &record) const;
     void judge(const CXMLInfo &record, Abilities &abilities) const;
     void ended(const DownloadResult &result);

@@ -33,7 +33,7 @@ std::optional<bool> CDown::replaceByBetterVideo(const QString &key)
     return better;
 }
 
-void CDown::tellBetterVideo(const QString &key, bool better)
+void CDown::announceBetterVideo(const QString &key, bool better)
 {
     BetterVideoCallbackFunction callback = nullptr;
     void *userData = nullptr;
@@ -57,6 +57,6 @@ bool CDown::IsBetterVideo(const QString &key)
         better = replaceByBetterVideo(ownKey);
     }
     if (better)
-        tellBetterVideo(ownKey, *better);
+        announceBetterVideo(ownKey, *better);
     return better.value_or(true);
 }

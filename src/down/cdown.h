@@ -381,7 +381,7 @@ private:
     void prepareVideo(CXMLInfo &record) VIDEODOWN_NEEDS_LOCK;
     tagTaskInfo downloadRequest(const CXMLInfo &record) const VIDEODOWN_NEEDS_LOCK;
     std::optional<bool> replaceByBetterVideo(const QString &key) VIDEODOWN_NEEDS_LOCK;
-    void tellBetterVideo(const QString &key, bool better);
+    void announceBetterVideo(const QString &key, bool better);
 };
 
 #endif

@@ -23,7 +23,7 @@ int CDown::DoDownloadVideo(const QString &key, bool withVideo)
         better = replaceByBetterVideo(taskKey);
     }
     if (better)
-        tellBetterVideo(taskKey, *better);
+        announceBetterVideo(taskKey, *better);
     if (!better.value_or(true))
         return 0;
     const ControllerLock lock;

@@ -9,7 +9,7 @@
 
 namespace {
 
-// NaN says nothing about a size, and sizes beyond 64 bits are as large as they can be told.
+// NaN says nothing about a size, and sizes beyond 64 bits are as large as they can be reported.
 qint64 fileSize(double value)
 {
     constexpr double limit = 9223372036854775808.0; // 2 to the 63rd

@@ -19,8 +19,8 @@
  * from inside a callback. An engine therefore only queues: it neither waits for a transfer nor for
  * a callback, and holds no lock of its own while it calls back.
  *  6. Callbacks may come on any thread. Events of one request come one after the other.
- *  7. The size of a video is told before its complete file gets the name `szSavePath`, and the file
- *     gets it only after that callback has returned. So an application that notes the size there
+ *  7. The size of a video is reported before its complete file gets the name `szSavePath`, and the
+ * file gets it only after that callback has returned. So an application that notes the size there
  *     can tell after a sudden end whether a file of this name is the complete video.
  */
 #ifndef VIDEODOWN_ENGINE_TASKENGINE_H
