@@ -1,5 +1,6 @@
 #include "driver/converter.h"
 
+#include "driver/leftovers.h"
 #include "driver/plaintext.h"
 #include "driver/texts.h"
 
@@ -85,8 +86,9 @@ void Converter::startNext()
 {
     m_current = m_waiting.takeFirst();
     const QFileInfo target(m_current.target);
-    m_file = std::make_unique<QTemporaryFile>(
-        target.path() + QLatin1String("/.converting-XXXXXX.") + target.suffix());
+    m_file = std::make_unique<QTemporaryFile>(target.path() + u'/' +
+                                              leftovers::conversionPrefix(m_current.result.key) +
+                                              QLatin1String("XXXXXX.") + target.suffix());
     m_process = std::make_unique<QProcess>();
     m_process->setChildProcessModifier(detachFromTerminal);
     connect(m_process.get(), &QProcess::readyReadStandardOutput, this, &Converter::readProgress);

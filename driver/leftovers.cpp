@@ -2,6 +2,8 @@
 
 #include "driver/disk.h"
 
+#include <QCryptographicHash>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -21,10 +23,17 @@ bool isInPlace(const UpgradeFiles &upgrade, const QString &path)
 
 } // namespace
 
+// Whatever the key is, the name is none that anybody else would choose.
+QString conversionPrefix(const QString &key)
+{
+    const QByteArray hash = QCryptographicHash::hash(key.toUtf8(), QCryptographicHash::Sha1);
+    return QLatin1String(".converting-") + QString::fromLatin1(hash.toHex()) + u'-';
+}
+
 // A video is resumed; a thumbnail is fetched anew, if at all.
 Names of(const CXMLInfo &record, const UnfinishedFiles &unfinished)
 {
-    Names names{{record.ImagePath}, {}};
+    Names names{{record.ImagePath}, {}, {}, {}};
     if (unfinished && !record.ImagePath.isEmpty())
         names.unfinished = unfinished(record.ImagePath);
     if (!taskrecord::isInterrupted(record))
@@ -35,6 +44,12 @@ Names of(const CXMLInfo &record, const UnfinishedFiles &unfinished)
     names.reserved << record.FileName;
     if (record.IsOrgVideo == 1)
         names.reserved << record.SaveAsFileName;
+    names.conversion = conversionPrefix(record.MD5Code);
+    for (const QString &path : {record.FileName, record.SaveAsFileName}) {
+        const QString folder = QFileInfo(path).path();
+        if (!path.isEmpty() && !names.folders.contains(folder))
+            names.folders << folder;
+    }
     return names;
 }
 
@@ -44,13 +59,19 @@ void remove(const Names &names)
         disk::removeIfEmpty(path);
     for (const QString &path : names.unfinished)
         QFile::remove(path);
+    for (const QDir folder : names.folders) {
+        const auto files =
+            folder.entryInfoList({names.conversion + u'*'}, QDir::Files | QDir::Hidden);
+        for (const QFileInfo &file : files)
+            QFile::remove(file.filePath());
+    }
 }
 
 void undo(const UpgradeFiles &upgrade, const UnfinishedFiles &unfinished)
 {
     for (const QString &path : upgrade.fresh) {
         if (unfinished)
-            remove({{}, unfinished(path)});
+            remove({{}, unfinished(path), {}, {}});
         if (isInPlace(upgrade, path))
             continue;
         disk::removeIfEmpty(path);

@@ -27,7 +27,12 @@ struct Names
 {
     QStringList reserved;   ///< empty files that held a name
     QStringList unfinished; ///< files that nobody resumes
+    QStringList folders;    ///< where a conversion may have been under way
+    QString conversion;     ///< how the name of its file began; empty: there was none
 };
+
+/** How the name of the file begins that a task's video is being converted to. */
+QString conversionPrefix(const QString &key);
 
 /** What is left of this task's last run. The caller holds the controller lock. */
 Names of(const CXMLInfo &record, const UnfinishedFiles &unfinished);
