@@ -277,25 +277,6 @@ void MainWindow::makeTray()
     m_tray.setVisible(m_settings.trayIcon && QSystemTrayIcon::isSystemTrayAvailable());
 }
 
-void MainWindow::connectWorker()
-{
-    connect(m_worker, &Worker::opened, this, &MainWindow::historyOpened);
-    connect(m_worker, &Worker::closed, this, &MainWindow::historyClosed);
-    connect(m_worker, &Worker::rowsChanged, this, &MainWindow::rowsChanged);
-    connect(m_worker, &Worker::rowsRemoved, &m_model, &TaskModel::removeTasks);
-    connect(m_worker, &Worker::totalsChanged, this, &MainWindow::showTotals);
-    connect(m_worker, &Worker::detailsFound, this, &MainWindow::showDetails);
-    connect(m_worker, &Worker::abilitiesFound, this, &MainWindow::showAbilities);
-    connect(m_worker, &Worker::filesFound, this, &MainWindow::askForDeletion);
-    connect(m_worker, &Worker::idle, this, &MainWindow::lastEnded);
-    connect(m_worker, &Worker::message, this,
-            [this](const QString &text) { statusBar()->showMessage(text); });
-    connect(m_worker, &Worker::inspected, this, [this](const DownloadResult &result) {
-        if (m_addDialog)
-            m_addDialog->showInspection(result);
-    });
-}
-
 void MainWindow::restoreLook()
 {
     resize(1200, 720);

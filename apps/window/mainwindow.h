@@ -4,7 +4,7 @@
 
 #include "passwords.h"
 #include "settings.h"
-#include "taskmodel.h"
+#include "taskfilter.h"
 #include "thumbnails.h"
 #include "worker.h"
 

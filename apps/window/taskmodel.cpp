@@ -3,36 +3,8 @@
 #include "thumbnails.h"
 
 #include <QFileInfo>
-#include <QLocale>
 
 #include <algorithm>
-#include <limits>
-
-namespace {
-
-constexpr qint64 endless = std::numeric_limits<qint64>::max();
-
-bool isMoving(const TaskRow &row)
-{
-    return row.activity == TaskActivity::Downloading && row.progress.bytesPerSecond > 0;
-}
-
-qint64 secondsLeft(const TaskRow &row)
-{
-    const qint64 left = row.progress.total - row.progress.received;
-    return isMoving(row) && left >= 0 ? left / row.progress.bytesPerSecond : endless;
-}
-
-QString durationText(qint64 seconds)
-{
-    const qint64 hours = seconds / 3600;
-    const QString minutes = QStringLiteral("%1:%2")
-                                .arg(seconds / 60 % 60, hours > 0 ? 2 : 1, 10, QChar(u'0'))
-                                .arg(seconds % 60, 2, 10, QChar(u'0'));
-    return hours > 0 ? QStringLiteral("%1:%2").arg(hours).arg(minutes) : minutes;
-}
-
-} // namespace
 
 TaskModel::TaskModel(Thumbnails *thumbnails, QObject *parent)
     : QAbstractTableModel(parent), m_thumbnails(thumbnails)
@@ -81,60 +53,12 @@ QVariant TaskModel::data(const QModelIndex &index, int role) const
     }
 }
 
-QVariant TaskModel::headerData(int section, Qt::Orientation orientation, int role) const
-{
-    if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
-        return {};
-    switch (section) {
-    case Title:
-        return tr("Title");
-    case State:
-        return tr("State");
-    case Progress:
-        return tr("Progress");
-    case Size:
-        return tr("Size");
-    case Speed:
-        return tr("Speed");
-    case TimeLeft:
-        return tr("Time left");
-    case Added:
-        return tr("Added");
-    default:
-        return {};
-    }
-}
-
-QString TaskModel::text(const TaskRow &row, int column) const
-{
-    const QLocale locale;
-    switch (column) {
-    case Title:
-        return row.title.isEmpty() ? row.address : row.title;
-    case State:
-        return stateText(row);
-    case Progress:
-        return tr("%1 %").arg(row.percent);
-    case Size:
-        return row.progress.total > 0 ? locale.formattedDataSize(row.progress.total) : QString();
-    case Speed:
-        return isMoving(row) ? tr("%1/s").arg(locale.formattedDataSize(row.progress.bytesPerSecond))
-                             : QString();
-    case TimeLeft:
-        return secondsLeft(row) == endless ? QString() : durationText(secondsLeft(row));
-    case Added:
-        return locale.toString(row.added, QLocale::ShortFormat);
-    default:
-        return {};
-    }
-}
-
 bool TaskModel::isLess(int left, int right, int column) const
 {
     const Line &one = m_rows.at(left);
     const Line &other = m_rows.at(right);
     const auto speed = [](const TaskRow &row) {
-        return isMoving(row) ? row.progress.bytesPerSecond : qint64(-1);
+        return row.isMoving() ? row.progress.bytesPerSecond : qint64(-1);
     };
     switch (column) {
     case State:
@@ -146,7 +70,7 @@ bool TaskModel::isLess(int left, int right, int column) const
     case Speed:
         return speed(one.row) < speed(other.row);
     case TimeLeft:
-        return secondsLeft(one.row) < secondsLeft(other.row);
+        return one.row.secondsLeft() < other.row.secondsLeft();
     case Added:
         return one.added < other.added;
     default:
@@ -160,67 +84,6 @@ bool TaskModel::matches(int row, TaskGroup group, const QStringList &words) cons
     return (group == TaskGroup::All || groupOf(line.row) == group) &&
            std::all_of(words.cbegin(), words.cend(),
                        [&line](const QString &word) { return line.search.contains(word); });
-}
-
-QString TaskModel::toolTip(const TaskRow &row, int column) const
-{
-    if (column == Title)
-        return row.path.isEmpty() ? row.address : row.path;
-    if (column == State && groupOf(row) == TaskGroup::Failed && !row.failure.cause.isEmpty())
-        return QString(stateText(row) + u'\n' + row.failure.advice).trimmed();
-    return {};
-}
-
-TaskGroup TaskModel::groupOf(const TaskRow &row)
-{
-    if (row.activity == TaskActivity::Waiting)
-        return TaskGroup::Waiting;
-    if (row.isAtWork())
-        return TaskGroup::Running;
-    switch (row.state) {
-    case TaskState::Finished:
-        return TaskGroup::Finished;
-    case TaskState::Failed:
-        return TaskGroup::Failed;
-    default:
-        return TaskGroup::Stopped;
-    }
-}
-
-QString TaskModel::stateText(const TaskRow &row)
-{
-    if (row.isConverting)
-        return tr("Converting");
-    switch (row.activity) {
-    case TaskActivity::Waiting:
-        return tr("Waiting");
-    case TaskActivity::Parsing:
-        return tr("Asking the site");
-    case TaskActivity::Downloading:
-        return tr("Downloading");
-    case TaskActivity::Paused:
-        return tr("Paused");
-    case TaskActivity::Copying:
-        return tr("Copying");
-    case TaskActivity::Stopping:
-        return tr("Stopping");
-    case TaskActivity::None:
-        break;
-    }
-    switch (row.state) {
-    case TaskState::Finished:
-        return tr("Finished");
-    case TaskState::Failed:
-        return row.failure.cause.isEmpty() ? tr("Failed") : tr("Failed: %1").arg(row.failure.cause);
-    case TaskState::Stopped:
-        return tr("Stopped");
-    case TaskState::Waiting:
-    case TaskState::Running:
-        return tr("Interrupted");
-    case TaskState::None:
-        break;
-    }
-    return tr("Unknown");
 }
 
 TaskModel::Line TaskModel::lineOf(const TaskRow &row) const
@@ -332,40 +195,4 @@ int TaskModel::count(TaskGroup group) const
     return int(std::count_if(m_rows.cbegin(), m_rows.cend(), [group](const Line &line) {
         return group == TaskGroup::All || groupOf(line.row) == group;
     }));
-}
-
-TaskFilter::TaskFilter(QObject *parent) : QSortFilterProxyModel(parent)
-{
-    setDynamicSortFilter(true);
-}
-
-void TaskFilter::setSourceModel(QAbstractItemModel *model)
-{
-    m_tasks = qobject_cast<TaskModel *>(model);
-    QSortFilterProxyModel::setSourceModel(model);
-}
-
-void TaskFilter::setGroup(TaskGroup group)
-{
-    m_group = group;
-    invalidateFilter();
-}
-
-void TaskFilter::setText(const QString &text)
-{
-    m_words = text.toLower().split(u' ', Qt::SkipEmptyParts);
-    invalidateFilter();
-}
-
-bool TaskFilter::filterAcceptsRow(int row, const QModelIndex & /*parent*/) const
-{
-    return m_tasks->matches(row, m_group, m_words);
-}
-
-// Equal values keep a fixed order, so that rows do not jump while they change.
-bool TaskFilter::lessThan(const QModelIndex &left, const QModelIndex &right) const
-{
-    if (m_tasks->isLess(left.row(), right.row(), left.column()))
-        return true;
-    return left.row() < right.row() && !m_tasks->isLess(right.row(), left.row(), left.column());
 }

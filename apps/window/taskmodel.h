@@ -7,7 +7,6 @@
 #include <QAbstractTableModel>
 #include <QCollator>
 #include <QHash>
-#include <QSortFilterProxyModel>
 
 class Thumbnails;
 
@@ -72,30 +71,6 @@ private:
     QList<Line> m_rows;
     QHash<QString, int> m_places;       // by key
     QHash<QString, QString> m_pictures; // keys by the paths of their thumbnails
-};
-
-/** Sorts and filters the tasks, also while they change. */
-class TaskFilter : public QSortFilterProxyModel
-{
-    Q_OBJECT
-
-public:
-    explicit TaskFilter(QObject *parent = nullptr);
-
-    /** @param model a TaskModel, which must outlive the filter */
-    void setSourceModel(QAbstractItemModel *model) override;
-    void setGroup(TaskGroup group);
-    /** Shows the tasks whose title, address or path has all of these words. */
-    void setText(const QString &text);
-
-protected:
-    bool filterAcceptsRow(int row, const QModelIndex &parent) const override;
-    bool lessThan(const QModelIndex &left, const QModelIndex &right) const override;
-
-private:
-    TaskModel *m_tasks = nullptr;
-    TaskGroup m_group = TaskGroup::All;
-    QStringList m_words;
 };
 
 #endif

@@ -13,6 +13,7 @@
 
 #include <array>
 #include <bitset>
+#include <limits>
 
 constexpr std::size_t taskActionCount = std::size_t(TaskAction::Open) + 1;
 
@@ -33,6 +34,18 @@ struct TaskRow
     int percent = 0;           ///< 0 to 100
 
     bool isAtWork() const { return activity != TaskActivity::None || isConverting; }
+    /** Whether bytes arrive now. */
+    bool isMoving() const
+    {
+        return activity == TaskActivity::Downloading && progress.bytesPerSecond > 0;
+    }
+    /** `endless` when nobody can say. */
+    qint64 secondsLeft() const
+    {
+        const qint64 left = progress.total - progress.received;
+        return isMoving() && left >= 0 ? left / progress.bytesPerSecond : endless;
+    }
+    static constexpr qint64 endless = std::numeric_limits<qint64>::max();
 };
 
 /** Everything about one task, for the details pane. */

@@ -1,4 +1,5 @@
 // What the worker reports, and what the window makes of it.
+#include "adddialog.h"
 #include "detailspane.h"
 #include "mainwindow.h"
 
@@ -10,6 +11,25 @@
 #include <QPushButton>
 #include <QStatusBar>
 #include <QTreeView>
+
+void MainWindow::connectWorker()
+{
+    connect(m_worker, &Worker::opened, this, &MainWindow::historyOpened);
+    connect(m_worker, &Worker::closed, this, &MainWindow::historyClosed);
+    connect(m_worker, &Worker::rowsChanged, this, &MainWindow::rowsChanged);
+    connect(m_worker, &Worker::rowsRemoved, &m_model, &TaskModel::removeTasks);
+    connect(m_worker, &Worker::totalsChanged, this, &MainWindow::showTotals);
+    connect(m_worker, &Worker::detailsFound, this, &MainWindow::showDetails);
+    connect(m_worker, &Worker::abilitiesFound, this, &MainWindow::showAbilities);
+    connect(m_worker, &Worker::filesFound, this, &MainWindow::askForDeletion);
+    connect(m_worker, &Worker::idle, this, &MainWindow::lastEnded);
+    connect(m_worker, &Worker::message, this,
+            [this](const QString &text) { statusBar()->showMessage(text); });
+    connect(m_worker, &Worker::inspected, this, [this](const DownloadResult &result) {
+        if (m_addDialog)
+            m_addDialog->showInspection(result);
+    });
+}
 
 void MainWindow::historyOpened(const OpenedHistory &history)
 {
