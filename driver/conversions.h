@@ -1,6 +1,6 @@
 /** What a session converts, and what the records know of it. */
-#ifndef VIDEODOWN_CLI_CONVERSIONS_H
-#define VIDEODOWN_CLI_CONVERSIONS_H
+#ifndef VIDEODOWN_DRIVER_CONVERSIONS_H
+#define VIDEODOWN_DRIVER_CONVERSIONS_H
 
 #include "driver/converter.h"
 

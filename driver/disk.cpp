@@ -23,6 +23,11 @@ bool sync(const QString &path, int flags)
 
 } // namespace
 
+std::filesystem::path native(const QString &path)
+{
+    return QFile::encodeName(path).toStdString();
+}
+
 bool writeAll(int descriptor, const QByteArray &bytes)
 {
     for (qsizetype done = 0; done < bytes.size();) {

@@ -5,7 +5,11 @@
 #include <QByteArray>
 #include <QString>
 
+#include <filesystem>
+
 namespace disk {
+
+std::filesystem::path native(const QString &path);
 
 /** Writes all of it, however many calls that takes. */
 bool writeAll(int descriptor, const QByteArray &bytes);

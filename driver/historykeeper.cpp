@@ -4,17 +4,14 @@
 #include "driver/historycheck.h"
 #include "driver/historylock.h"
 #include "driver/journal.h"
-#include "driver/leftovers.h"
+#include "driver/journalentry.h"
 #include "driver/recordtext.h"
 
-#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QJsonArray>
 
 #include <filesystem>
-#include <future>
 #include <utility>
 
 namespace {
@@ -22,63 +19,12 @@ namespace {
 // A journal that is longer than its history and this takes longer to read than the history.
 constexpr qint64 shortJournal = qint64{1} << 20;
 
-const QString taskName = QStringLiteral("task");
-const QString fieldsName = QStringLiteral("fields");
-const QString upgradeName = QStringLiteral("upgrade");
-
 // A link would be replaced by the rename of a save, so the file behind it is the history.
 QString realPath(const QString &path)
 {
     const QString canonical = QFileInfo(path).canonicalFilePath();
     return canonical.isEmpty() ? QFileInfo(path).absoluteFilePath() : canonical;
 }
-
-std::filesystem::path native(const QString &path)
-{
-    return QFile::encodeName(path).toStdString();
-}
-
-QString unusedName(const QString &wanted)
-{
-    QString name = wanted;
-    for (int n = 1; disk::isTaken(name); ++n)
-        name = wanted + u'-' + QString::number(n);
-    return name;
-}
-
-QString asideName(const QString &path)
-{
-    const QString date = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
-    return unusedName(path + QLatin1String(".damaged-") + date);
-}
-
-QJsonObject asJson(const UpgradeFiles &files)
-{
-    QJsonArray old;
-    for (const auto &[path, aside] : files.old)
-        old.append(QJsonArray{path, aside});
-    return {{QStringLiteral("old"), old},
-            {QStringLiteral("fresh"), QJsonArray::fromStringList(files.fresh)},
-            {QStringLiteral("freshSize"), files.freshSize}};
-}
-
-UpgradeFiles upgradeIn(const QJsonObject &json)
-{
-    UpgradeFiles files;
-    for (const auto &pair : json.value(QStringLiteral("old")).toArray())
-        files.old.append({pair[0].toString(), pair[1].toString()});
-    for (const auto &path : json.value(QStringLiteral("fresh")).toArray())
-        files.fresh.append(path.toString());
-    files.freshSize = json.value(QStringLiteral("freshSize")).toInteger();
-    return files;
-}
-
-// What the lines of one task come to.
-struct TaskChanges
-{
-    QJsonObject fields;
-    QJsonValue upgrade; // of one that has not ended
-};
 
 } // namespace
 
@@ -110,51 +56,6 @@ QString HistoryKeeper::open()
     return problem;
 }
 
-QString HistoryKeeper::load()
-{
-    const QFileInfo file(m_path);
-    if (file.exists() && !file.isFile())
-        return tr("%1 is not a file").arg(m_path);
-    // Beside the loading, which takes several times as long.
-    std::future<std::optional<int>> count;
-    if (file.exists()) {
-        count = std::async(std::launch::async, countTasks, m_path);
-        m_controller.LoadFromFile(m_path);
-    }
-    const bool intact = !count.valid() || count.get().has_value();
-    QList<QJsonObject> entries;
-    const bool hasJournal = QFileInfo::exists(m_path + QLatin1String(".journal"));
-    const auto found =
-        hasJournal ? m_journal->open(Journal::digestOf(m_path), entries) : Journal::Found::Nothing;
-    if (found == Journal::Found::Foreign && intact)
-        return setAsideForeignJournal();
-    replay(entries); // of a damaged history it is the journal, whatever its digest
-    return intact ? QString() : setAside();
-}
-
-// A second name rather than a new one: the history keeps a name at every moment.
-QString HistoryKeeper::setAside()
-{
-    const QString aside = asideName(m_path);
-    std::error_code error;
-    std::filesystem::create_hard_link(native(m_path), native(aside), error);
-    if (error && !QFile::rename(m_path, aside))
-        return tr("%1 is damaged and cannot be set aside").arg(m_path);
-    m_setAside = aside;
-    m_open = true;
-    return save();
-}
-
-QString HistoryKeeper::setAsideForeignJournal()
-{
-    const QString journal = m_path + QLatin1String(".journal");
-    const QString aside = asideName(journal);
-    if (!disk::rename(journal, aside))
-        return tr("%1 belongs to another history and cannot be set aside").arg(journal);
-    m_setAsideJournal = aside;
-    return {};
-}
-
 QString HistoryKeeper::setAsidePath() const
 {
     return m_setAside;
@@ -163,39 +64,6 @@ QString HistoryKeeper::setAsidePath() const
 QString HistoryKeeper::setAsideJournal() const
 {
     return m_setAsideJournal;
-}
-
-// In one pass over the lines, then one over the tasks that they name.
-void HistoryKeeper::replay(const QList<QJsonObject> &entries)
-{
-    QStringList order;
-    QHash<QString, TaskChanges> tasks;
-    for (const QJsonObject &entry : entries) {
-        const QString key = entry.value(taskName).toString();
-        if (!tasks.contains(key))
-            order.append(key);
-        TaskChanges &task = tasks[key];
-        task.fields = recordtext::merged(task.fields, entry.value(fieldsName).toObject());
-        if (entry.contains(upgradeName))
-            task.upgrade = entry.value(upgradeName);
-    }
-    for (const QString &key : std::as_const(order)) {
-        leftovers::Names left;
-        {
-            const ControllerLock lock;
-            CXMLInfo *record = m_controller.getXMLInfo(key);
-            if (record == nullptr && tasks[key].fields.isEmpty())
-                continue;
-            if (record == nullptr)
-                record = m_controller.m_pHistory->Add(nullptr);
-            recordtext::setFields(
-                *record, recordtext::merged(recordtext::fieldsOf(*record), tasks[key].fields));
-            left = leftovers::of(*record, m_unfinished);
-        }
-        leftovers::remove(left);
-        if (tasks[key].upgrade.isObject())
-            leftovers::undo(upgradeIn(tasks[key].upgrade.toObject()), m_unfinished);
-    }
 }
 
 // Of a task at rest nothing is remembered: its next change writes all of it.
@@ -231,7 +99,7 @@ bool HistoryKeeper::commit(const QStringList &keys)
     for (const QString &key : std::as_const(due)) {
         const QJsonObject changed = isUpgrading(key) ? QJsonObject() : changeOf(key);
         if (!changed.isEmpty())
-            entries.append({{taskName, key}, {fieldsName, changed}});
+            entries.append({{journalentry::task, key}, {journalentry::fields, changed}});
     }
     if (entries.isEmpty() || append(entries))
         return true;
@@ -276,13 +144,14 @@ bool HistoryKeeper::reportSave(const QString &problem)
 void HistoryKeeper::recordSize(const QString &key, qint64 bytes)
 {
     const MutexLock lock(m_mutex);
-    QJsonObject entry{{taskName, key}};
+    QJsonObject entry{{journalentry::task, key}};
     const auto upgrade = m_upgrades.find(key);
     if (upgrade == m_upgrades.end()) {
-        entry.insert(fieldsName, QJsonObject{{QStringLiteral("FileSize"), QString::number(bytes)}});
+        entry.insert(journalentry::fields,
+                     QJsonObject{{QStringLiteral("FileSize"), QString::number(bytes)}});
     } else {
         upgrade->insert(QStringLiteral("freshSize"), bytes);
-        entry.insert(upgradeName, *upgrade);
+        entry.insert(journalentry::upgrade, *upgrade);
     }
     if (m_saving)
         m_late.append(entry);
@@ -292,13 +161,13 @@ void HistoryKeeper::recordSize(const QString &key, qint64 bytes)
 
 bool HistoryKeeper::beginUpgrade(const QString &key, const UpgradeFiles &files)
 {
-    const QJsonObject upgrade = asJson(files);
+    const QJsonObject upgrade = journalentry::asJson(files);
     {
         const MutexLock lock(m_mutex);
         m_upgrades.insert(key, upgrade);
     }
     m_atWork.insert(key);
-    return append({QJsonObject{{taskName, key}, {upgradeName, upgrade}}});
+    return append({QJsonObject{{journalentry::task, key}, {journalentry::upgrade, upgrade}}});
 }
 
 // The line that ends it goes with the record, so that neither is on disk without the other.
@@ -310,8 +179,9 @@ void HistoryKeeper::endUpgrade(const QString &key)
             return;
     }
     const QJsonObject changed = changeOf(key);
-    if (append(
-            {QJsonObject{{taskName, key}, {fieldsName, changed}, {upgradeName, QJsonValue::Null}}}))
+    if (append({QJsonObject{{journalentry::task, key},
+                            {journalentry::fields, changed},
+                            {journalentry::upgrade, QJsonValue::Null}}}))
         return;
     m_unstored.insert(key);
     m_stored.remove(key);
@@ -360,9 +230,9 @@ void HistoryKeeper::beginJournalAnew(const QList<QJsonObject> &late)
     m_journal->remove();
     QList<QJsonObject> entries;
     for (const QString &key : std::as_const(m_atWork))
-        entries.append({{taskName, key}});
+        entries.append({{journalentry::task, key}});
     for (auto upgrade = m_upgrades.begin(); upgrade != m_upgrades.end(); ++upgrade)
-        entries.append({{taskName, upgrade.key()}, {upgradeName, *upgrade}});
+        entries.append({{journalentry::task, upgrade.key()}, {journalentry::upgrade, *upgrade}});
     entries += late;
     if (!entries.isEmpty())
         m_journal->append(entries, *m_digest);
@@ -384,8 +254,8 @@ bool HistoryKeeper::replaceBy(const QString &path)
 {
     const QString previous = m_path + QLatin1String(".previous");
     std::error_code ignored; // without a previous version the save is no less safe
-    std::filesystem::remove(native(previous), ignored);
-    std::filesystem::create_hard_link(native(m_path), native(previous), ignored);
+    std::filesystem::remove(disk::native(previous), ignored);
+    std::filesystem::create_hard_link(disk::native(m_path), disk::native(previous), ignored);
     if (!disk::rename(path, m_path))
         return false;
     disk::syncFolder(QFileInfo(m_path).absolutePath());

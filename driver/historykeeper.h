@@ -75,9 +75,9 @@ public:
     void settle(const QString &key);
 
     /**
-     * Records the size of a task's video, so that after a sudden end of the program the complete file
-     * can be distinguished from anybody else's. To be called before the file gets its name. Any
-     * thread.
+     * Records the size of a task's video, so that after a sudden end of the program the complete
+     * file can be distinguished from anybody else's. To be called before the file gets its name.
+     * Any thread.
      */
     void recordSize(const QString &key, qint64 bytes);
 

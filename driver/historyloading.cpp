@@ -1,0 +1,119 @@
+// Loading a history and its journal, and setting aside what is damaged: the keeper's part of it.
+#include "driver/disk.h"
+#include "driver/historycheck.h"
+#include "driver/historykeeper.h"
+#include "driver/journal.h"
+#include "driver/journalentry.h"
+#include "driver/leftovers.h"
+#include "driver/recordtext.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+
+#include <filesystem>
+#include <future>
+#include <utility>
+
+namespace {
+
+QString unusedName(const QString &wanted)
+{
+    QString name = wanted;
+    for (int n = 1; disk::isTaken(name); ++n)
+        name = wanted + u'-' + QString::number(n);
+    return name;
+}
+
+QString asideName(const QString &path)
+{
+    const QString date = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
+    return unusedName(path + QLatin1String(".damaged-") + date);
+}
+
+// What the lines of one task come to.
+struct TaskChanges
+{
+    QJsonObject fields;
+    QJsonValue upgrade; // of one that has not ended
+};
+
+} // namespace
+
+QString HistoryKeeper::load()
+{
+    const QFileInfo file(m_path);
+    if (file.exists() && !file.isFile())
+        return tr("%1 is not a file").arg(m_path);
+    // Beside the loading, which takes several times as long.
+    std::future<std::optional<int>> count;
+    if (file.exists()) {
+        count = std::async(std::launch::async, countTasks, m_path);
+        m_controller.LoadFromFile(m_path);
+    }
+    const bool intact = !count.valid() || count.get().has_value();
+    QList<QJsonObject> entries;
+    const bool hasJournal = QFileInfo::exists(m_path + QLatin1String(".journal"));
+    const auto found =
+        hasJournal ? m_journal->open(Journal::digestOf(m_path), entries) : Journal::Found::Nothing;
+    if (found == Journal::Found::Foreign && intact)
+        return setAsideForeignJournal();
+    replay(entries); // of a damaged history it is the journal, whatever its digest
+    return intact ? QString() : setAside();
+}
+
+// A second name rather than a new one: the history keeps a name at every moment.
+QString HistoryKeeper::setAside()
+{
+    const QString aside = asideName(m_path);
+    std::error_code error;
+    std::filesystem::create_hard_link(disk::native(m_path), disk::native(aside), error);
+    if (error && !QFile::rename(m_path, aside))
+        return tr("%1 is damaged and cannot be set aside").arg(m_path);
+    m_setAside = aside;
+    m_open = true;
+    return save();
+}
+
+QString HistoryKeeper::setAsideForeignJournal()
+{
+    const QString journal = m_path + QLatin1String(".journal");
+    const QString aside = asideName(journal);
+    if (!disk::rename(journal, aside))
+        return tr("%1 belongs to another history and cannot be set aside").arg(journal);
+    m_setAsideJournal = aside;
+    return {};
+}
+
+// In one pass over the lines, then one over the tasks that they name.
+void HistoryKeeper::replay(const QList<QJsonObject> &entries)
+{
+    QStringList order;
+    QHash<QString, TaskChanges> tasks;
+    for (const QJsonObject &entry : entries) {
+        const QString key = entry.value(journalentry::task).toString();
+        if (!tasks.contains(key))
+            order.append(key);
+        TaskChanges &task = tasks[key];
+        task.fields = recordtext::merged(task.fields, entry.value(journalentry::fields).toObject());
+        if (entry.contains(journalentry::upgrade))
+            task.upgrade = entry.value(journalentry::upgrade);
+    }
+    for (const QString &key : std::as_const(order)) {
+        leftovers::Names left;
+        {
+            const ControllerLock lock;
+            CXMLInfo *record = m_controller.getXMLInfo(key);
+            if (record == nullptr && tasks[key].fields.isEmpty())
+                continue;
+            if (record == nullptr)
+                record = m_controller.m_pHistory->Add(nullptr);
+            recordtext::setFields(
+                *record, recordtext::merged(recordtext::fieldsOf(*record), tasks[key].fields));
+            left = leftovers::of(*record, m_unfinished);
+        }
+        leftovers::remove(left);
+        if (tasks[key].upgrade.isObject())
+            leftovers::undo(journalentry::upgradeIn(tasks[key].upgrade.toObject()), m_unfinished);
+    }
+}
