@@ -93,7 +93,7 @@ private slots:
             {"text", "fields"}, // title|duration|time|identifier
             {{"all", "title=Caf\xc3\xa9\r\nlength_seconds=213\r\nvideo_id=a\r\n", "Café|213|5|a"},
              {"blanks, equals signs", "  \ttitle= a=b  \n", " a=b|4|5|i"},
-             {"later line wins", "title=a\n\n\rtitle=b", "b|4|5|i"},
+             {"later line wins", "title=a\rlength_seconds=8\n\n\rtitle=b", "b|8|5|i"},
              {"strangers", "xtitle=a\nTitle=b\ntitle\n=c\ntoken=1\nftoken=title=d", "t|4|5|i"},
              {"empty values", "title=\nvideo_id=", "|4|5|"},
              {"no numbers", "length_seconds=abc\ntimestamp=1x", "t|0|0|i"},

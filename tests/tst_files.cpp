@@ -231,6 +231,8 @@ private slots:
             QVERIFY(f.write(f.task(number)->FileName, "v"));
             QVERIFY(number == 2 || f.write(f.task(number)->ImagePath, "i"));
         }
+        unlinked.emplace_back(f.task(1));
+        f.parse(1); // a new record takes its place, and leaves its files alone
         for (int number : {1, 2, 3})
             unlinked.emplace_back(f.task(number));
         f.takeCalls();
@@ -243,9 +245,10 @@ private slots:
         QVERIFY(QFile::remove(f.task(4)->ImagePath) && !f.down->DeleteVideoFile(f.keyOf(4)));
         f.down->remove(0, false);
         f.down->remove(7, false);
-        QVERIFY(!f.down->TaskExist(f.keyOf(3)) && unlinked[2]->MD5Code == f.keyOf(3));
+        QVERIFY(!f.down->TaskExist(f.keyOf(3)) && unlinked[3]->MD5Code == f.keyOf(3));
         QCOMPARE(f.down->getIndex(f.keyOf(5)), 1);
         QVERIFY(!f.down->DeleteVideoFile(u"none"_s));
+        QVERIFY(QFile::remove(f.task(5)->FileName)); // its thumbnail goes all the same
         f.down->removeAll(true);
         QCOMPARE(f.files(f.dl()), u"1.jpg 1.mp4"_s);
         f.down->removeAll(false);

@@ -131,6 +131,8 @@ private slots:
         QVERIFY(call.startsWith(u"best") || mainGroup(wish) == mainGroup(want(wanted)));
         const QString first = mainGroup(out);
         const QString second = fallbackGroup(out);
+        if (call == u"equal 1" && first != second)
+            QCOMPARE(out.nArea, quint64(out.nWidth) * quint64(out.nHeight));
         QTEST(first == second     ? u'+' + first
               : second == nothing ? u'=' + first
               : first == nothing  ? u"fallback "_s + second
