@@ -1,0 +1,153 @@
+// videodown-extract: what yt-dlp knows of a page, as a video-info response.
+#include "extract/extractor.h"
+#include "extract/infolines.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QUrl>
+
+#include <cstdio>
+
+namespace {
+
+enum class ExitStatus { Success = 0, Failure = 1, Usage = 2 };
+
+void complain(const QString &text)
+{
+    QString shown = text;
+    for (QChar &c : shown) {
+        if (c.category() == QChar::Other_Control)
+            c = u'?';
+    }
+    const QByteArray line = "videodown-extract: " + shown.toUtf8() + '\n';
+    std::fwrite(line.constData(), 1, std::size_t(line.size()), stderr);
+}
+
+// Buffered output reports an error late, perhaps not before the end.
+ExitStatus print(const QByteArray &text)
+{
+    const bool written = std::fwrite(text.constData(), 1, std::size_t(text.size()), stdout) ==
+                             std::size_t(text.size()) &&
+                         std::fflush(stdout) == 0;
+    return written ? ExitStatus::Success : ExitStatus::Failure;
+}
+
+struct CommandLine
+{
+    QString address;
+    bool asList = false;
+    extractor::Options options;
+};
+
+const QCommandLineOption listOption(QStringLiteral("list"),
+                                    QStringLiteral("Print the addresses of the pages in a playlist "
+                                                   "or channel, one per line."));
+const QCommandLineOption cookiesOption(QStringLiteral("cookies"),
+                                       QStringLiteral("Read cookies from a file in Netscape's "
+                                                      "format, as browsers export it."),
+                                       QStringLiteral("file"));
+const QCommandLineOption programOption(QStringLiteral("program"),
+                                       QStringLiteral("Run this in the place of yt-dlp."),
+                                       QStringLiteral("program"));
+const QCommandLineOption timeOption(QStringLiteral("time-limit"),
+                                    QStringLiteral("Give up after so many seconds, 1 to 3600; "
+                                                   "without this option: 50."),
+                                    QStringLiteral("seconds"));
+
+void describe(QCommandLineParser &parser)
+{
+    parser.setApplicationDescription(QStringLiteral(
+        "Asks yt-dlp about a video page and prints the formats that come as one file "
+        "over HTTP, as the lines of a video-info response."));
+    parser.addPositionalArgument(QStringLiteral("address"),
+                                 QStringLiteral("The address of the page, http or https."));
+    parser.addOptions({listOption, cookiesOption, programOption, timeOption});
+    parser.addHelpOption();
+    parser.addVersionOption();
+}
+
+// Other schemes are yt-dlp's, and search, or read files of this machine.
+bool isPage(const QString &address)
+{
+    const QUrl url(address);
+    return url.isValid() && !url.host().isEmpty() &&
+           (url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https"));
+}
+
+/** @return what is wrong with the command line; empty when nothing is */
+QString read(const QCommandLineParser &parser, CommandLine &line)
+{
+    if (parser.positionalArguments().size() != 1)
+        return QStringLiteral("exactly one address is needed; see --help");
+    line.address = parser.positionalArguments().constFirst();
+    if (!isPage(line.address))
+        return QStringLiteral("\"%1\" is not the address of a page").arg(line.address);
+    line.asList = parser.isSet(listOption);
+    line.options.cookieFile = parser.value(cookiesOption);
+    if (parser.isSet(programOption))
+        line.options.program = parser.value(programOption);
+    if (parser.isSet(timeOption)) {
+        const int seconds = parser.value(timeOption).toInt();
+        if (seconds < 1 || seconds > 3600)
+            return QStringLiteral("--time-limit needs a number of seconds from 1 to 3600");
+        line.options.timeLimit = std::chrono::seconds(seconds);
+    }
+    return {};
+}
+
+ExitStatus printList(const QByteArray &json)
+{
+    const auto pages = pageinfo::readList(json);
+    if (!pages || pages->isEmpty()) {
+        complain(QStringLiteral("there is no page in what yt-dlp said"));
+        return ExitStatus::Failure;
+    }
+    return print(pages->join(u'\n').toUtf8() + '\n');
+}
+
+// A page without a video is an answer too: its reason is for whoever asked for the video.
+ExitStatus printLines(const QByteArray &json)
+{
+    const auto info = pageinfo::read(json);
+    if (!info)
+        return print(infolines::refusal(QStringLiteral("what yt-dlp said cannot be read")));
+    const infolines::Lines lines = infolines::of(*info);
+    for (const QString &remark : lines.remarks)
+        complain(remark);
+    return print(lines.text);
+}
+
+ExitStatus run(const CommandLine &line)
+{
+    const extractor::Answer answer = extractor::ask(line.address, line.asList, line.options);
+    if (answer.problem.isEmpty())
+        return line.asList ? printList(answer.json) : printLines(answer.json);
+    complain(answer.problem);
+    return line.asList ? ExitStatus::Failure : print(infolines::refusal(answer.problem));
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("videodown-extract"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(VIDEODOWN_VERSION));
+    QCommandLineParser parser;
+    describe(parser);
+    if (!parser.parse(QCoreApplication::arguments())) {
+        complain(parser.errorText());
+        return int(ExitStatus::Usage);
+    }
+    if (parser.isSet(QStringLiteral("help")))
+        return int(print(parser.helpText().toUtf8()));
+    if (parser.isSet(QStringLiteral("version")))
+        return int(print("videodown-extract " VIDEODOWN_VERSION "\n"));
+    CommandLine line;
+    const QString wrong = read(parser, line);
+    if (!wrong.isEmpty()) {
+        complain(wrong);
+        return int(ExitStatus::Usage);
+    }
+    return int(run(line));
+}
