@@ -21,6 +21,16 @@ std::string addressPart(const Address &address, CURLUPart which)
     return copy;
 }
 
+std::string resolvedAddress(const std::string &base, const std::string &reference)
+{
+    const Address address = parsedAddress(base);
+    const unsigned flags = CURLU_NON_SUPPORT_SCHEME | CURLU_URLENCODE;
+    if (!address ||
+        curl_url_set(address.get(), CURLUPART_URL, reference.c_str(), flags) != CURLUE_OK)
+        return {};
+    return addressPart(address, CURLUPART_URL);
+}
+
 std::optional<Fault> addressFault(const std::string &address)
 {
     const Address checked = parsedAddress(address);

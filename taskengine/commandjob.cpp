@@ -50,6 +50,7 @@ void CommandJob::work(Clock::time_point now)
 void CommandJob::conclude(int status)
 {
     std::string lines = linesOfCommand(m_output);
+    headers().take(request().record.szTaskKey, lines);
     if (status == notFoundStatus)
         fail(permanent(Failure::CommandNotFound));
     else if (status != 0)

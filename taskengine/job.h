@@ -4,6 +4,7 @@
 
 #include "taskengine/fault.h"
 #include "taskengine/request.h"
+#include "taskengine/requestheaders.h"
 #include "taskengine/transfer.h"
 
 #include <memory>
@@ -15,6 +16,7 @@ struct JobContext
 {
     CURLM *multi;
     EventDispatcher &events;
+    RequestHeaders &headers;
 };
 
 /**
@@ -56,6 +58,7 @@ protected:
     const Options &options() const { return *m_request->options; }
     const std::shared_ptr<TargetFile> &target() const { return m_request->target; }
     CURLM *multi() const { return m_context.multi; }
+    RequestHeaders &headers() const { return m_context.headers; }
     bool isPaused() const { return m_paused; }
 
     void post(tagDownloadStateCode code, double value = 0);

@@ -1,5 +1,11 @@
 #include "taskengine/transfer.h"
 
+#include "taskengine/address.h"
+#include "taskengine/requestheaders.h"
+
+#include <algorithm>
+#include <utility>
+
 namespace taskengine {
 
 namespace {
@@ -47,10 +53,15 @@ Transfer::~Transfer()
     cancel();
 }
 
-bool Transfer::start(const TransferRequest &request)
+bool Transfer::start(TransferRequest request)
 {
-    if (!m_easy)
-        return false;
+    m_request = std::move(request);
+    m_redirects = 0;
+    return m_easy && begin(m_request.address);
+}
+
+bool Transfer::begin(const std::string &address)
+{
     CURL *easy = m_easy.get();
     curl_easy_reset(easy);
     m_began = false;
@@ -62,8 +73,7 @@ bool Transfer::start(const TransferRequest &request)
     curl_easy_setopt(easy, CURLOPT_HEADERDATA, this);
     setLimits();
     setProxy();
-    if (curl_easy_setopt(easy, CURLOPT_URL, request.address.c_str()) != CURLE_OK ||
-        !setRange(request))
+    if (curl_easy_setopt(easy, CURLOPT_URL, address.c_str()) != CURLE_OK || !setFields(address))
         return false;
     restartSpeedCheck(Clock::now());
     m_running = curl_multi_add_handle(m_multi, easy) == CURLM_OK;
@@ -75,7 +85,8 @@ void Transfer::setLimits()
     CURL *easy = m_easy.get();
     curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, protocols);
     curl_easy_setopt(easy, CURLOPT_REDIR_PROTOCOLS_STR, protocols);
-    curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 1L);
+    // curl would take fields of ours along to any host.
+    curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, m_request.headers.empty() ? 1L : 0L);
     curl_easy_setopt(easy, CURLOPT_MAXREDIRS, mostRedirects);
     // Each transfer gets a connection of its own: a paused one must not hold up its neighbours.
     curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
@@ -110,16 +121,43 @@ void Transfer::setProxy()
     curl_easy_setopt(easy, CURLOPT_PROXYPASSWORD, proxy.szProxyText3);
 }
 
-bool Transfer::setRange(const TransferRequest &request)
+bool Transfer::setFields(const std::string &address)
 {
     m_headers.reset();
-    if (request.offset == 0)
+    const auto add = [this](const std::string &field) {
+        curl_slist *list = curl_slist_append(m_headers.get(), field.c_str());
+        if (list == nullptr)
+            return false;
+        static_cast<void>(m_headers.release());
+        m_headers.reset(list);
         return true;
-    m_headers.reset(curl_slist_append(nullptr, ("If-Range: " + request.validator).c_str()));
+    };
+    if (m_request.offset > 0 && !add("If-Range: " + m_request.validator))
+        return false;
+    const bool mayKnow = m_redirects == 0 || isSameHost(m_request.address, address);
+    if (mayKnow && !std::all_of(m_request.headers.begin(), m_request.headers.end(), add))
+        return false;
     curl_easy_setopt(m_easy.get(), CURLOPT_HTTPHEADER, m_headers.get());
+    if (m_request.offset == 0)
+        return true;
     // Not CURLOPT_RESUME_FROM, which takes any whole answer for an error.
-    const std::string range = std::to_string(request.offset) + "-";
-    return m_headers && curl_easy_setopt(m_easy.get(), CURLOPT_RANGE, range.c_str()) == CURLE_OK;
+    const std::string range = std::to_string(m_request.offset) + "-";
+    return curl_easy_setopt(m_easy.get(), CURLOPT_RANGE, range.c_str()) == CURLE_OK;
+}
+
+/** @return where the answer sends us, when it is for us to go there; else empty */
+std::string Transfer::redirection() const
+{
+    long status = 0;
+    curl_header *location = nullptr;
+    if (m_request.headers.empty() || m_began ||
+        curl_easy_getinfo(m_easy.get(), CURLINFO_RESPONSE_CODE, &status) != CURLE_OK ||
+        status / 100 != 3 ||
+        curl_easy_header(m_easy.get(), "Location", 0, CURLH_HEADER, -1, &location) != CURLHE_OK)
+        return {};
+    const char *from = nullptr;
+    curl_easy_getinfo(m_easy.get(), CURLINFO_EFFECTIVE_URL, &from);
+    return from == nullptr ? std::string() : resolvedAddress(from, location->value);
 }
 
 void Transfer::cancel()
@@ -134,6 +172,13 @@ void Transfer::end(CURLcode code)
     if (!m_running)
         return;
     cancel();
+    const bool mayFollow = code == CURLE_OK || code == CURLE_WRITE_ERROR;
+    const std::string next = mayFollow ? redirection() : std::string();
+    if (!next.empty()) {
+        if (m_redirects++ < mostRedirects && begin(next))
+            return;
+        code = CURLE_TOO_MANY_REDIRECTS;
+    }
     if (code == CURLE_OK && !m_began && !m_client.responseBegan())
         code = CURLE_WRITE_ERROR;
     m_client.transferEnded(code);
@@ -188,6 +233,8 @@ std::size_t Transfer::write(const char *data, std::size_t length)
 {
     if (m_paused)
         return CURL_WRITEFUNC_PAUSE;
+    if (!redirection().empty())
+        return CURL_WRITEFUNC_ERROR; // of a redirect nobody wants the body
     if (!m_began) {
         m_began = true;
         if (!m_client.responseBegan())

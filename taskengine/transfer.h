@@ -10,6 +10,7 @@
 #include <curl/curl.h>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace taskengine {
 
@@ -42,6 +43,8 @@ struct TransferRequest
     std::string address;
     std::int64_t offset = 0; ///< where to begin; needs a validator when it is not 0
     std::string validator{}; ///< for If-Range
+    /** Further fields, "Name: value"; they reach no other host by a redirect. */
+    std::vector<std::string> headers{};
 };
 
 /** A transfer, which may be started again after it has ended. Used on the transfer thread only. */
@@ -56,7 +59,7 @@ public:
     ~Transfer();
 
     /** @return whether it was started; the client hears nothing otherwise */
-    bool start(const TransferRequest &request);
+    bool start(TransferRequest request);
 
     /** Ends it without a word to the client. */
     void cancel();
@@ -83,7 +86,9 @@ private:
 
     void setLimits();
     void setProxy();
-    bool setRange(const TransferRequest &request);
+    bool begin(const std::string &address);
+    bool setFields(const std::string &address);
+    std::string redirection() const;
     bool isConnected() const;
     void restartSpeedCheck(Clock::time_point now);
     std::size_t write(const char *data, std::size_t length);
@@ -96,6 +101,8 @@ private:
     const Options &m_options;
     std::unique_ptr<CURL, HandleDeleter> m_easy;
     std::unique_ptr<curl_slist, ListDeleter> m_headers;
+    TransferRequest m_request;
+    int m_redirects = 0; ///< those followed here
     bool m_running = false;
     bool m_paused = false;
     bool m_began = false;

@@ -29,9 +29,10 @@ TransferJob::TransferJob(RequestPointer request, const JobContext &context)
 {
 }
 
-void TransferJob::fetch(const TransferRequest &request)
+void TransferJob::fetch(TransferRequest request)
 {
     m_fault.reset();
+    request.headers = headers().fieldsFor(this->request(), request.address);
     if (const auto fault = addressFault(request.address))
         fail(*fault);
     else if (!isProxyUsable(this->request().record))

@@ -17,7 +17,7 @@ public:
 
 protected:
     /** Fetches the address. Faults in address or proxy settings fail the request. */
-    void fetch(const TransferRequest &request);
+    void fetch(TransferRequest request);
 
     /** @return the fault of the answer's status */
     Fault statusFaultHere() const { return statusFault(m_transfer.easy()); }

@@ -46,6 +46,7 @@ private:
     EventDispatcher &m_events;
     const std::unique_ptr<CURLM, MultiDeleter> m_multi;
     std::atomic<bool> m_stopping{false};
+    RequestHeaders m_headers;                                         ///< the thread's own
     std::unordered_map<const Request *, std::unique_ptr<Job>> m_jobs; ///< the thread's own
     std::vector<curl_waitfd> m_inputs;                                ///< the thread's own
     AnnotatedMutex m_joinMutex;

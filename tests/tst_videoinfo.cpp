@@ -119,6 +119,59 @@ private slots:
         compareFailure("video", Failure::TooManyFiles);
     }
 
+    /** Fields that a command asks for reach the hosts of its streams, and nobody else. */
+    void requestHeaders()
+    {
+        const std::string media = "Content-Type: video/x-flv\r\n";
+        FaultServer other({answer("200 OK", media, "elsewhere")});
+        const std::string away = "http://localhost:" + std::to_string(other.port()) + "/away";
+        FaultServer server({answer("301 Moved", "Location: /on\r\n", "gone"),
+                            answer("200 OK", media, "here"),
+                            answer("302 Found", "Location: " + away + "\r\n", "gone"),
+                            answer("200 OK", "Content-Type: image/jpeg\r\n", "image"),
+                            answer("302 Found", "Location: /loop\r\n", "")});
+        const std::string secret = "Cookie: a=b; c";
+        m_options.videoInfoCommand = {"printf",
+                                      "%s\\n",
+                                      "request_header=" + secret,
+                                      "request_header=User-Agent: Browser/1",
+                                      "request_header=hOST: x",
+                                      "request_header=Range: bytes=1-",
+                                      "request_header=X Y: z",
+                                      "request_header=Z:",
+                                      "fmt_stream_map=18|http://none/,34|" + server.address()};
+        taskengine::setOptions(m_options);
+        QCOMPARE(ParseVideoInfo(m_log->parse("key", "http://127.0.0.1/a")), 0);
+        compareEnd("key", DOWN_STATE_PARSE_SUCCESS);
+        QCOMPARE(m_log->end("key").text.find("request_header"), std::string::npos);
+        const auto fetch = [&](const tagTaskInfo &record, int finished) {
+            QCOMPARE(send(record), 0);
+            const char *key = record.szTaskKey;
+            QTRY_COMPARE_WITH_TIMEOUT(m_log->count(key, DOWN_STATE_DOWNLOAD_FINISH), finished,
+                                      60000);
+        };
+        fetch(m_log->video("key", server.address(), path("/a")), 1);
+        fetch(m_log->video("key", server.address(), path("/b")), 2);
+        fetch(m_log->image("key1", server.address(), path("/c")), 1);
+        fetch(m_log->video("key", other.address(), path("/d")), 3);
+        QCOMPARE(contentsOf(path("/a")) + contentsOf(path("/b")), std::string("hereelsewhere"));
+        for (const std::string &request : server.requests()) {
+            QVERIFY(request.find("\r\n" + secret + "\r\n") != std::string::npos);
+            QVERIFY(request.find("User-Agent: Browser/1\r\n") != std::string::npos);
+            QVERIFY(request.find("hOST") == std::string::npos);
+            QVERIFY(request.find("Range") == std::string::npos);
+        }
+        for (const std::string &request : other.requests())
+            QVERIFY(request.find("Cookie") == std::string::npos);
+        QCOMPARE(server.requests().size() + other.requests().size(), 6);
+        QCOMPARE(DownloadVideo(m_log->video("key", server.address(), path("/e"))), 0);
+        QVERIFY(m_log->waitFor("key", DOWN_STATE_DOWNLOAD_FAIL));
+        QCOMPARE(m_log->events("key").last().value, double(Failure::TooManyRedirects));
+        QCOMPARE(DownloadVideo(m_log->video("stranger", server.address(), path("/f"))), 0);
+        compareFailure("stranger", Failure::TooManyRedirects);
+        QVERIFY(server.requests().last().find("Cookie") == std::string::npos);
+    }
+
     void commandIsKilledWhenTimeIsUp()
     {
         const std::string note = path("/process");
