@@ -189,6 +189,9 @@ private slots:
                                  u"http://any.invalid/page"_s});
         QVERIFY2(ended.code == 0, qPrintable(ended.error));
         QCOMPARE(contents(path("told httpany.invalidpage.mp4")), smallVideo(3, 18));
+        const QString example = QStringLiteral(VIDEODOWN_EXAMPLES) + u"/extractor"_s;
+        QCOMPARE(run({u"get"_s, u"--video-info-command"_s, example, page("small-4")}).code, 0);
+        QCOMPARE(contents(path("Video small-4.flv")), smallVideo(4, 34));
         for (const char *bad : {"echo hello", "echo status=fail"}) {
             const Ended failed = run({u"get"_s, page("small-3"), u"--video-info-command"_s,
                                       u"sh -c '%1'"_s.arg(QString::fromLatin1(bad))});
