@@ -16,11 +16,6 @@ std::string streamAddress(const SiteVideo &video, int format, const std::string 
            "&source=" + percentEncode("site|local") + "&expire=" + std::to_string(video.timestamp);
 }
 
-std::string thumbnailAddress(const SiteVideo &video, const std::string &base)
-{
-    return base + "/thumbnail/" + video.id + ".jpg";
-}
-
 std::string streamMap(const SiteVideo &video, const std::string &base)
 {
     std::string list;
@@ -63,6 +58,11 @@ std::string link(const std::string &address, const std::string &text)
 }
 
 } // namespace
+
+std::string thumbnailAddress(const SiteVideo &video, const std::string &base)
+{
+    return base + "/thumbnail/" + video.id + ".jpg";
+}
 
 std::string indexPage(const std::string &base)
 {

@@ -17,4 +17,7 @@ std::string watchPage(const SiteVideo &video, const std::string &base);
 /** The video-info response of a video, form-encoded. */
 std::string videoInfo(const SiteVideo &video, const std::string &base);
 
+/** Address of a video's thumbnail. */
+std::string thumbnailAddress(const SiteVideo &video, const std::string &base);
+
 #endif

@@ -1,6 +1,7 @@
 #include "site/resource.h"
 
 #include "site/pages.h"
+#include "site/todayspages.h"
 
 #include <algorithm>
 #include <array>
@@ -60,6 +61,12 @@ bool startsWith(const std::string &text, const std::string &prefix)
     return text.compare(0, prefix.size(), prefix) == 0;
 }
 
+bool endsWith(const std::string &text, const std::string &end)
+{
+    return text.size() >= end.size() &&
+           text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+
 } // namespace
 
 Resources::Resources(std::string mediaFolder) : m_mediaFolder(std::move(mediaFolder)) {}
@@ -69,6 +76,8 @@ Resource Resources::find(const std::string &path, const std::string &videoId,
 {
     const std::string stream = "/stream/";
     const std::string thumbnail = "/thumbnail/";
+    const std::string today = "/today/";
+    const std::string mp4 = ".mp4";
     if (path == "/")
         return {200, html, indexPage(base), {}, {}};
     if (path == "/watch")
@@ -79,7 +88,24 @@ Resource Resources::find(const std::string &path, const std::string &videoId,
         return streamAt(path.substr(stream.size()));
     if (startsWith(path, thumbnail))
         return thumbnailAt(path.substr(thumbnail.size()));
+    if (startsWith(path, today))
+        return todayAt(path.substr(today.size()), base);
+    for (const std::string folder : {"/media/", "/guarded/"}) {
+        if (startsWith(path, folder) && endsWith(path, mp4))
+            return streamAt(path.substr(folder.size(), path.size() - folder.size() - mp4.size()));
+    }
+    if (path == "/pieces.m3u8")
+        return {200, "application/vnd.apple.mpegurl", playlist(), {}, {}};
     return notFound();
+}
+
+Resource Resources::todayAt(const std::string &kindAndId, const std::string &base) const
+{
+    const std::size_t slash = std::min(kindAndId.find('/'), kindAndId.size());
+    const auto video = m_catalogue.find(kindAndId.substr(std::min(slash + 1, kindAndId.size())));
+    const std::string page =
+        video ? todaysPage(kindAndId.substr(0, slash), *video, base) : std::string();
+    return page.empty() ? notFound() : Resource{200, html, page, {}, {}};
 }
 
 Resource Resources::pageOf(const std::string &id, const std::string &base) const

@@ -39,6 +39,7 @@ public:
                   const std::string &base) const;
 
 private:
+    Resource todayAt(const std::string &kindAndId, const std::string &base) const;
     Resource infoOf(const std::string &id, const std::string &base) const;
     Resource pageOf(const std::string &id, const std::string &base) const;
     Resource streamAt(const std::string &idAndFormat) const;

@@ -14,6 +14,29 @@
 #include <thread>
 #include <utility>
 
+namespace {
+
+const std::string visitorCookie = "visitor=yes";
+
+bool isGuarded(const std::string &path)
+{
+    return path.rfind("/guarded/", 0) == 0;
+}
+
+/** Whether somebody comes from the page to which the guarded streams belong. */
+bool isGuest(const httplib::Request &request, const std::string &base)
+{
+    return request.get_header_value("Cookie").find(visitorCookie) != std::string::npos &&
+           request.get_header_value("Referer").rfind(base + "/today/guarded/", 0) == 0;
+}
+
+Resource refusal()
+{
+    return {403, "text/html; charset=utf-8", "<!DOCTYPE html>\n<p>Not from here</p>\n", {}, {}};
+}
+
+} // namespace
+
 class VideoSite::Private
 {
 public:
@@ -55,7 +78,11 @@ void VideoSite::Private::serve(const httplib::Request &request, httplib::Respons
     const std::string host = request.get_header_value("Host");
     const bool isSecure = tlsPort > 0 && host == "127.0.0.1:" + std::to_string(tlsPort);
     const std::string base = (isSecure ? "https://" : "http://") + host;
-    deliver(request, response, resources.find(request.path, id, base), fault, gate);
+    const bool isRefused = isGuarded(request.path) && !isGuest(request, base);
+    if (request.path.rfind("/today/guarded/", 0) == 0)
+        response.set_header("Set-Cookie", visitorCookie + "; Path=/guarded");
+    deliver(request, response, isRefused ? refusal() : resources.find(request.path, id, base),
+            fault, gate);
 }
 
 void VideoSite::Private::record(const httplib::Request &request)

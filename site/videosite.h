@@ -17,7 +17,11 @@
  * - `/watch?v=ID`: the video's page, HTML;
  * - `/get_video_info?video_id=ID`: the video-info response, form-encoded;
  * - `/stream/ID/FORMAT`: the video in one format, with byte ranges, a strong ETag and If-Range;
- * - `/thumbnail/ID.jpg`: its thumbnail, JPEG.
+ * - `/thumbnail/ID.jpg`: its thumbnail, JPEG;
+ * - `/today/KIND/ID`: a page as sites write them today; todaysPage() lists the kinds;
+ * - `/media/ID/FORMAT.mp4`: the stream of an MP4 format at an address that says so;
+ * - `/guarded/ID/FORMAT.mp4`: the same, for those who come from the page of the kind "guarded" and
+ *   bring its cookie; 403 for everybody else.
  *
  * Beside the catalogue there are videos that need no file: `small-N` for any number N (0 to
  * 999999999), with the formats 34 and 18 and the bytes of smallVideoBytes(), and `failing-N`, whose

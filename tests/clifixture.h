@@ -71,6 +71,12 @@ protected:
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no such file)");
     }
 
+    /** A file of the site's own videos. */
+    static QByteArray media(const char *name)
+    {
+        return contents(QStringLiteral(VIDEODOWN_MEDIA) + QString::fromLatin1(name));
+    }
+
     static QByteArray smallVideo(unsigned number, int format)
     {
         return QByteArray::fromStdString(smallVideoBytes(number, format, videoSize));

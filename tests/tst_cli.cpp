@@ -5,6 +5,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
+#include <QStandardPaths>
 #include <QTest>
 
 #include <csignal>
@@ -198,6 +199,40 @@ private slots:
             QCOMPARE(failed.code, 1);
             QVERIFY2(failed.error.contains(u"by hand"_s), qPrintable(failed.error));
         }
+    }
+
+    void todaysPages_data()
+    {
+        QTest::addColumn<QString>("page");
+        QTest::addColumn<QByteArray>("media"); // or what is said instead
+        for (const char *kind : {"video", "opengraph", "jsonld", "guarded"})
+            QTest::newRow(kind) << u"/today/%1/partyTime_8"_s.arg(QLatin1String(kind))
+                                << media("fractal-22.mp4");
+        QTest::newRow("direct address")
+            << u"/media/partyTime_8/18.mp4"_s << media("fractal-18.mp4");
+        QTest::newRow("pieces") << u"/today/pieces/partyTime_8"_s
+                                << QByteArray("none of its formats comes as one MP4 or FLV file");
+        QTest::newRow("no page") << u"/today/video/none"_s << QByteArray("404");
+    }
+
+    /** With the real yt-dlp, where it is installed. */
+    void todaysPages()
+    {
+        if (QStandardPaths::findExecutable(u"yt-dlp"_s).isEmpty()) {
+            QVERIFY2(!qEnvironmentVariableIsSet("VIDEODOWN_NEEDS_YTDLP"), "yt-dlp is missing");
+            return skip("needs yt-dlp");
+        }
+        QFETCH(const QString, page);
+        QFETCH(const QByteArray, media);
+        const Ended ended = run({u"get"_s, u"--history"_s, u"h.xml"_s, u"--video-info-command"_s,
+                                 QStringLiteral(VIDEODOWN_EXTRACT),
+                                 QString::fromStdString(m_site.baseAddress()) + page});
+        const QStringList there = files();
+        QCOMPARE(ended.code, there.isEmpty() ? 1 : 0);
+        QVERIFY2(there.isEmpty() ? ended.error.contains(QString::fromLatin1(media))
+                                 : contents(path(qPrintable(there.first()))) == media,
+                 qPrintable(ended.error));
+        QVERIFY(!contents(path("h.xml")).contains("visitor"));
     }
 
     void barsFitTheTerminal()

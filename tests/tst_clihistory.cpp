@@ -10,16 +10,6 @@
 #include <algorithm>
 #include <csignal>
 
-namespace {
-
-QByteArray media(const char *name)
-{
-    QFile file(QStringLiteral(VIDEODOWN_MEDIA) + QLatin1String(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no such clip)");
-}
-
-} // namespace
-
 class CliHistoryTest : public QObject, private CliFixture
 {
     Q_OBJECT
