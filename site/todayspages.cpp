@@ -90,14 +90,13 @@ std::string jsonText(const std::string &text)
 
 std::string linkedData(const SiteVideo &video, const std::string &base)
 {
-    return page(
-        titled(video) +
-            "<script type=\"application/ld+json\">{\"@context\": \"https://schema.org\", "
-            "\"@type\": \"VideoObject\", \"name\": " +
-            jsonText(video.title) + ", \"contentUrl\": " + jsonText(bestAddress(video, base)) +
-            ", \"thumbnailUrl\": " + jsonText(thumbnailAddress(video, base)) +
-            ", \"duration\": \"PT" + std::to_string(video.lengthSeconds) + "S\"}</script>\n",
-        "");
+    const std::string object =
+        R"({"@context": "https://schema.org", "@type": "VideoObject", "name": )" +
+        jsonText(video.title) + R"(, "contentUrl": )" + jsonText(bestAddress(video, base)) +
+        R"(, "thumbnailUrl": )" + jsonText(thumbnailAddress(video, base)) + R"(, "duration": "PT)" +
+        std::to_string(video.lengthSeconds) + R"(S"})";
+    return page(titled(video) + R"(<script type="application/ld+json">)" + object + "</script>\n",
+                "");
 }
 
 std::string inPieces(const SiteVideo &video, const std::string &base)

@@ -52,7 +52,7 @@ QByteArray takePart(QByteArray &rest)
         else if (rest[end] == '"')
             quoted = !quoted;
     }
-    const QByteArray part = rest.left(end).trimmed();
+    QByteArray part = rest.left(end).trimmed();
     rest.remove(0, end + 1);
     return part;
 }

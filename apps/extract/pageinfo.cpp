@@ -100,7 +100,7 @@ QJsonObject videoIn(const QJsonObject &page, int level = 0)
 {
     if (!isList(page) || level == mostLevels)
         return page;
-    for (const QJsonValue &entry : page.value(QLatin1String("entries")).toArray()) {
+    for (const auto &entry : page.value(QLatin1String("entries")).toArray()) {
         if (entry.isObject())
             return videoIn(entry.toObject(), level + 1);
     }
@@ -126,7 +126,7 @@ void readFormats(const QJsonObject &video, PageInfo &info)
     if (formats.isEmpty() && !textOf(video, "url").isEmpty())
         formats.append(video); // the one format of a direct address
     if (!video.value(QLatin1String("is_live")).toBool()) {
-        for (const QJsonValue &format : formats) {
+        for (const auto &format : formats) {
             if (auto read = readFormat(format.toObject(), video))
                 info.formats.append(*std::move(read));
         }
@@ -138,7 +138,7 @@ void readFormats(const QJsonObject &video, PageInfo &info)
 void collectPages(const QJsonObject &page, QStringList &pages, int level = 0)
 {
     if (isList(page) && level < mostLevels) {
-        for (const QJsonValue &entry : page.value(QLatin1String("entries")).toArray())
+        for (const auto &entry : page.value(QLatin1String("entries")).toArray())
             collectPages(entry.toObject(), pages, level + 1);
         return;
     }
