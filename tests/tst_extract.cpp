@@ -145,7 +145,7 @@ private slots:
                 .toJson(),
             lists);
         row("playlist",
-            "{\"_type\":\"playlist\",\"entries\":[null,{\"_type\":\"playlist\",\"entries\":[" +
+            R"({"_type":"playlist","entries":[null,{"_type":"playlist","entries":[)" +
                 withFormats({mp4}) + "]}]}",
             "title=T\n" + lists);
         row("live", withFormats({mp4}, {{u"is_live"_s, true}}),
@@ -153,7 +153,7 @@ private slots:
         row("streams in pieces", withFormats({with(mp4, "protocol", u"m3u8"_s)}),
             "title=T\n" + refused + "none of its formats comes as one MP4 or FLV file\n");
         row("no formats", "{}", refused + "there is no video on the page\n");
-        row("empty playlist", "{\"_type\":\"playlist\",\"entries\":{}}",
+        row("empty playlist", R"({"_type":"playlist","entries":{}})",
             refused + "there is no video on the page\n");
         row("half a JSON", withFormats({mp4}).chopped(9),
             refused + "what yt-dlp said cannot be read\n");
@@ -190,7 +190,7 @@ private slots:
         const Ended ended = runWith(withFormats(many));
         QVERIFY(ended.output.contains("fmt_list=38/20000x10000,37/19998x9999,"));
         QVERIFY(ended.error.contains("1 of the formats left out: addresses of more than 1023"));
-        const Ended endless = run({at}, "exec yes '{\"title\":'");
+        const Ended endless = run({at}, R"(exec yes '{"title":')");
         QCOMPARE(endless.output, refused + "yt-dlp said more than 64 MB about this page\n");
         const Ended late = run({at, u"--time-limit"_s, u"1"_s}, "exec sleep 600");
         QCOMPARE(late.output, refused + "yt-dlp took longer than 1 s for this page\n");
@@ -234,12 +234,12 @@ private slots:
     void lists()
     {
         const Ended ended =
-            runWith("{\"_type\":\"playlist\",\"entries\":[{\"url\":\"https://v.example/1\"},null,"
-                    "{\"_type\":\"playlist\",\"entries\":[{\"webpage_url\":\"https://v.example/2\","
-                    "\"url\":\"x\"},{\"url\":\"https://v.example/1\"}]},{\"url\":\"abc\"},7]}",
+            runWith(R"({"_type":"playlist","entries":[{"url":"https://v.example/1"},null,)"
+                    R"({"_type":"playlist","entries":[{"webpage_url":"https://v.example/2",)"
+                    R"("url":"x"},{"url":"https://v.example/1"}]},{"url":"abc"},7]})",
                     {u"--list"_s, at});
         QCOMPARE(ended.output, QByteArray("https://v.example/1\nhttps://v.example/2\n"));
-        QCOMPARE(runWith("{\"webpage_url\":\"https://v.example/\"}", {u"--list"_s, at}).output,
+        QCOMPARE(runWith(R"({"webpage_url":"https://v.example/"})", {u"--list"_s, at}).output,
                  QByteArray("https://v.example/\n"));
         QCOMPARE(runWith("[]", {u"--list"_s, at}).code, 1);
     }
