@@ -239,8 +239,8 @@ private slots:
                     R"("url":"x"},{"url":"https://v.example/1"}]},{"url":"abc"},7]})",
                     {u"--list"_s, at});
         QCOMPARE(ended.output, QByteArray("https://v.example/1\nhttps://v.example/2\n"));
-        QCOMPARE(runWith(R"({"webpage_url":"https://v.example/"})", {u"--list"_s, at}).output,
-                 QByteArray("https://v.example/\n"));
+        const QByteArray single = R"({"webpage_url":"https://v.example/"})";
+        QCOMPARE(runWith(single, {u"--list"_s, at}).output, QByteArray("https://v.example/\n"));
         QCOMPARE(runWith("[]", {u"--list"_s, at}).code, 1);
     }
 };
