@@ -19,14 +19,14 @@ namespace conversions {
 QJsonObject describe(CDown &controller, const QString &key);
 
 /**
- * The conversion that a finished task still needs; it is noted as running then. A conversion of an
+ * The conversion that a finished task still needs; it is recorded as running then. A conversion of an
  * earlier run, whose file is there, becomes the result's path.
  * @param wish what the user asks for now; open where it stays with what the task has
  */
 std::optional<Conversion> pending(CDown &controller, DownloadResult &result,
                                   const Profile_Desc &wish);
 
-/** Notes how a conversion has ended. */
+/** Records how a conversion has ended. */
 void recordResult(CDown &controller, const DownloadResult &result);
 
 } // namespace conversions

@@ -38,12 +38,14 @@ Names of(const CXMLInfo &record, const UnfinishedFiles &unfinished)
         names.unfinished = unfinished(record.ImagePath);
     if (!taskrecord::isInterrupted(record))
         return names;
-    if (unfinished &&
-        taskrecord::isDownloaded(record)) // it had its name, but its end was not recorded
-        names.unfinished << unfinished(record.FileName);
     names.reserved << record.FileName;
     if (record.IsOrgVideo == 1)
         names.reserved << record.SaveAsFileName;
+    if (!taskrecord::isDownloaded(record))
+        return names;
+    // It had its name, but its end was not recorded, or that of its conversion.
+    if (unfinished)
+        names.unfinished << unfinished(record.FileName);
     names.conversion = conversionPrefix(record.MD5Code);
     for (const QString &path : {record.FileName, record.SaveAsFileName}) {
         const QString folder = QFileInfo(path).path();

@@ -8,7 +8,7 @@
 
 namespace {
 
-// Containers by number, as the library knows them, and the sizes that the numbers stand for.
+// The numbers that stand for each container, in the order of picture sizes.
 const QList<int> mp4Numbers{18, 22, 37, 38};
 const QList<int> flvNumbers{5, 34, 35};
 
