@@ -19,8 +19,8 @@ namespace conversions {
 QJsonObject describe(CDown &controller, const QString &key);
 
 /**
- * The conversion that a finished task still needs; it is recorded as running then. A conversion of an
- * earlier run, whose file is there, becomes the result's path.
+ * The conversion that a finished task still needs; it is recorded as running then. A conversion of
+ * an earlier run, whose file is there, becomes the result's path.
  * @param wish what the user asks for now; open where it stays with what the task has
  */
 std::optional<Conversion> pending(CDown &controller, DownloadResult &result,
