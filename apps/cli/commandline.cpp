@@ -30,7 +30,7 @@ public:
         const std::pair<unsigned, QList<QCommandLineOption>> groups[] = {
             {FormatOptions, {m_format}},
             {WishOptions, {m_from, m_keepSource}},
-            {ConnectionOptions, {m_proxy, m_infoCommand}},
+            {ConnectionOptions, {m_proxy, m_videoInfo, m_infoCommand}},
             {ReportOptions, {m_json, m_quiet}},
             {JsonOption, {m_json}},
             {FolderOptions, {m_output, m_downloads, m_again}},
@@ -133,9 +133,21 @@ private:
     {
         if (m_parser.isSet(m_proxy))
             take(m_proxy, arguments::proxy(m_parser.value(m_proxy)), m_line.proxy);
+        if (m_parser.isSet(m_videoInfo))
+            readVideoInfo();
         if (m_parser.isSet(m_infoCommand))
             take(m_infoCommand, arguments::command(m_parser.value(m_infoCommand)),
                  m_line.videoInfoCommand);
+    }
+
+    void readVideoInfo()
+    {
+        const QString source = m_parser.value(m_videoInfo);
+        m_line.useExtractor = source == QLatin1String("auto");
+        if (source != QLatin1String("auto") && source != QLatin1String("site"))
+            take(m_videoInfo, arguments::command(source), m_line.videoInfoCommand);
+        if (m_parser.isSet(m_infoCommand) && m_wrong.isEmpty())
+            m_wrong = text("--video-info and --video-info-command exclude each other");
     }
 
     void readTransfer()
@@ -210,6 +222,12 @@ private:
                "Use this proxy: [http|socks5|socks5h://][user:password@]host:port. With socks5h, "
                "the proxy resolves host names.",
                "proxy");
+    const QCommandLineOption m_videoInfo =
+        option({text("video-info")},
+               "How to find out what the site offers: \"site\" asks the site itself, \"auto\" then "
+               "asks videodown-extract if the site has no answer and yt-dlp is installed; anything "
+               "else is a command, as with --video-info-command. Default: auto.",
+               "source");
     const QCommandLineOption m_infoCommand = option(
         {text("video-info-command")},
         "Run this command, with the address of a page as its last argument, to find out what the "
