@@ -18,10 +18,9 @@ qint64 wholeNumber(double value)
     return value > 0 && value < 9e18 ? qint64(value) : 0;
 }
 
-// The response's own word on why there is nothing to download; empty when it has none.
-QString siteReason(const QString &videoInfoText)
+// A field that the library does not keep; empty when the response has none.
+QString fieldOf(const QString &videoInfoText, QLatin1String key)
 {
-    const QLatin1String key("reason=");
     for (const QString &line : videoInfoText.split(u'\n')) {
         if (line.startsWith(key))
             return plaintext::withoutControls(line.mid(key.size())).trimmed();
@@ -31,7 +30,10 @@ QString siteReason(const QString &videoInfoText)
 
 FailureReason nothingOffered(const QString &videoInfoText, const QString &advice)
 {
-    const QString reason = siteReason(videoInfoText);
+    const QString reason = fieldOf(videoInfoText, QLatin1String("reason="));
+    if (!reason.isEmpty() && !fieldOf(videoInfoText, QLatin1String("answered_by=")).isEmpty())
+        return {Texts::tr("the site has no video info, and the extractor says: %1").arg(reason),
+                advice};
     return {reason.isEmpty() ? Texts::tr("the site offers no formats of this video")
                              : Texts::tr("the site refuses this video: %1").arg(reason),
             advice};

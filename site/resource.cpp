@@ -77,6 +77,7 @@ Resource Resources::find(const std::string &path, const std::string &videoId,
     const std::string stream = "/stream/";
     const std::string thumbnail = "/thumbnail/";
     const std::string today = "/today/";
+    const std::string page = ".html";
     const std::string mp4 = ".mp4";
     if (path == "/")
         return {200, html, indexPage(base), {}, {}};
@@ -88,8 +89,8 @@ Resource Resources::find(const std::string &path, const std::string &videoId,
         return streamAt(path.substr(stream.size()));
     if (startsWith(path, thumbnail))
         return thumbnailAt(path.substr(thumbnail.size()));
-    if (startsWith(path, today))
-        return todayAt(path.substr(today.size()), base);
+    if (startsWith(path, today) && endsWith(path, page))
+        return todayAt(path.substr(today.size(), path.size() - today.size() - page.size()), base);
     for (const std::string folder : {"/media/", "/guarded/"}) {
         if (startsWith(path, folder) && endsWith(path, mp4))
             return streamAt(path.substr(folder.size(), path.size() - folder.size() - mp4.size()));

@@ -18,7 +18,7 @@
  * - `/get_video_info?video_id=ID`: the video-info response, form-encoded;
  * - `/stream/ID/FORMAT`: the video in one format, with byte ranges, a strong ETag and If-Range;
  * - `/thumbnail/ID.jpg`: its thumbnail, JPEG;
- * - `/today/KIND/ID`: a page as sites write them today; todaysPage() lists the kinds;
+ * - `/today/KIND/ID.html`: a page as sites write them today; todaysPage() lists the kinds;
  * - `/media/ID/FORMAT.mp4`: the stream of an MP4 format at an address that says so;
  * - `/guarded/ID/FORMAT.mp4`: the same, for those who come from the page of the kind "guarded" and
  *   bring its cookie; 403 for everybody else.

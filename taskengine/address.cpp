@@ -21,6 +21,14 @@ std::string addressPart(const Address &address, CURLUPart which)
     return copy;
 }
 
+std::string hostOf(const std::string &text)
+{
+    const Address address = parsedAddress(text);
+    if (!address)
+        return {};
+    return addressPart(address, CURLUPART_HOST) + ':' + addressPart(address, CURLUPART_PORT);
+}
+
 std::string resolvedAddress(const std::string &base, const std::string &reference)
 {
     const Address address = parsedAddress(base);

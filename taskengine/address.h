@@ -23,6 +23,9 @@ Address parsedAddress(const std::string &text);
 /** @return a part of an address; empty when it has none */
 std::string addressPart(const Address &address, CURLUPart which);
 
+/** @return host and port of an address, to tell sites apart; empty when it is none */
+std::string hostOf(const std::string &address);
+
 /** @return where a reference leads from an address (RFC 3986, section 5); empty: nowhere */
 std::string resolvedAddress(const std::string &base, const std::string &reference);
 

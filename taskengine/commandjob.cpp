@@ -18,6 +18,12 @@ constexpr int notFoundStatus = 127;
 
 } // namespace
 
+CommandJob::CommandJob(RequestPointer request, const JobContext &context,
+                       std::vector<std::string> command, bool isFallback)
+    : Job(std::move(request), context), m_command(std::move(command)), m_isFallback(isFallback)
+{
+}
+
 /** Only addresses with a scheme get this far, so none can look like an option of the command. */
 void CommandJob::beginTry()
 {
@@ -26,7 +32,7 @@ void CommandJob::beginTry()
         fail(*fault);
         return;
     }
-    std::vector<std::string> arguments = options().videoInfoCommand;
+    std::vector<std::string> arguments = m_command;
     arguments.push_back(page);
     m_deadline = Clock::now() + options().commandTimeLimit;
     if (const int error = m_process.start(arguments))
@@ -51,6 +57,10 @@ void CommandJob::conclude(int status)
 {
     std::string lines = linesOfCommand(m_output);
     headers().take(request().record.szTaskKey, lines);
+    if (m_isFallback)
+        lines += "answered_by=command\r\n";
+    if (m_isFallback && lines.find("fmt_stream_map=") != std::string::npos)
+        context().mutes.insert(hostOf(request().record.szPageURL));
     if (status == notFoundStatus)
         fail(permanent(Failure::CommandNotFound));
     else if (status != 0)

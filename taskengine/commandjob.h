@@ -6,6 +6,7 @@
 #include "taskengine/job.h"
 
 #include <string>
+#include <vector>
 
 namespace taskengine {
 
@@ -13,7 +14,9 @@ namespace taskengine {
 class CommandJob : public Job
 {
 public:
-    using Job::Job;
+    /** @param command program and arguments; @param isFallback the site has been asked before */
+    CommandJob(RequestPointer request, const JobContext &context, std::vector<std::string> command,
+               bool isFallback);
 
     Clock::time_point wakeTime() const override;
     int inputDescriptor() const override { return isPaused() ? -1 : m_process.outputDescriptor(); }
@@ -26,6 +29,8 @@ private:
     void conclude(int status);
     bool hasTimeLimit() const { return options().commandTimeLimit.count() > 0; }
 
+    const std::vector<std::string> m_command;
+    const bool m_isFallback;
     ChildProcess m_process;
     std::string m_output;
     Clock::time_point m_deadline;

@@ -1,5 +1,6 @@
 #include "taskengine/engine.h"
 
+#include "taskengine/address.h"
 #include "taskengine/commandjob.h"
 #include "taskengine/downloadjob.h"
 #include "taskengine/parsejob.h"
@@ -12,8 +13,12 @@ std::unique_ptr<Job> Job::create(const RequestPointer &request, const JobContext
 {
     if (request->kind != RequestKind::Parse)
         return std::make_unique<DownloadJob>(request, context);
-    if (!request->options->videoInfoCommand.empty())
-        return std::make_unique<CommandJob>(request, context);
+    const Options &options = *request->options;
+    if (!options.videoInfoCommand.empty())
+        return std::make_unique<CommandJob>(request, context, options.videoInfoCommand, false);
+    if (!options.fallbackCommand.empty() &&
+        context.mutes.count(hostOf(request->record.szPageURL)) > 0)
+        return std::make_unique<CommandJob>(request, context, options.fallbackCommand, true);
     return std::make_unique<ParseJob>(request, context, std::make_unique<VideoInfoSource>());
 }
 

@@ -100,8 +100,22 @@ void Job::scheduleTry(const Fault &fault)
     post(DOWN_STATE_RETRY_DOWNLOAD, m_try);
 }
 
+/** The request has begun already, and may be paused. */
+void Job::takeOver(bool paused)
+{
+    beginTry();
+    if (paused)
+        togglePause();
+}
+
 void Job::giveUp(const Fault &fault)
 {
+    m_successor = alternative(fault);
+    if (m_successor) {
+        m_over = true;
+        m_successor->takeOver(m_paused);
+        return;
+    }
     const bool isDiskFull = fault.is(Failure::DiskFull);
     cleanUp(fault.value != 404);
     if (isDiskFull)

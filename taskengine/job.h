@@ -8,6 +8,9 @@
 #include "taskengine/transfer.h"
 
 #include <memory>
+#include <string>
+#include <unordered_set>
+#include <utility>
 
 namespace taskengine {
 
@@ -17,6 +20,7 @@ struct JobContext
     CURLM *multi;
     EventDispatcher &events;
     RequestHeaders &headers;
+    std::unordered_set<std::string> &mutes; ///< hosts that have no video-info responses
 };
 
 /**
@@ -53,8 +57,13 @@ public:
 
     bool isOver() const { return m_over; }
 
+    /** @return the job that goes on with the request after this one is over; null: none does */
+    std::unique_ptr<Job> takeSuccessor() { return std::move(m_successor); }
+
 protected:
     const Request &request() const { return *m_request; }
+    const RequestPointer &requestPointer() const { return m_request; }
+    const JobContext &context() const { return m_context; }
     const Options &options() const { return *m_request->options; }
     const std::shared_ptr<TargetFile> &target() const { return m_request->target; }
     CURLM *multi() const { return m_context.multi; }
@@ -82,6 +91,10 @@ private:
     /** @return whether a fault that may pass is worth another try */
     virtual bool isWorthRetrying(const Fault &) const { return true; }
 
+    /** @return what goes on with the request in the place of giving up; null: nothing */
+    virtual std::unique_ptr<Job> alternative(const Fault &) { return nullptr; }
+
+    void takeOver(bool paused);
     void cleanUp(bool mayContinue);
     bool mayTryAgain(const Fault &fault) const;
     void scheduleTry(const Fault &fault);
@@ -93,6 +106,7 @@ private:
     bool m_waiting = false; ///< for `m_nextTry`
     bool m_paused = false;
     bool m_over = false;
+    std::unique_ptr<Job> m_successor;
     Clock::time_point m_nextTry;
 };
 

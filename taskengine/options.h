@@ -75,7 +75,14 @@ struct Options
      * site is asked itself.
      */
     std::vector<std::string> videoInfoCommand;
-    /** How long the command may run, pauses not counted. */
+    /**
+     * A command of the same kind for pages whose site has no video-info response: its answer is
+     * refused (4xx), empty, too large, or without any field, or the page's address names no video.
+     * When the command knows streams, the host is not asked again while the engine runs. Empty:
+     * there is none. Not used beside `videoInfoCommand`.
+     */
+    std::vector<std::string> fallbackCommand;
+    /** How long a command may run, pauses not counted. */
     std::chrono::milliseconds commandTimeLimit{60000};
     /** How long it may take to look a host up and connect to it; 0 leaves it to libcurl (300 s). */
     std::chrono::milliseconds connectTimeLimit{30000};

@@ -1,6 +1,7 @@
 #include "taskengine/parsejob.h"
 
 #include "taskengine/address.h"
+#include "taskengine/commandjob.h"
 
 #include <utility>
 
@@ -26,6 +27,19 @@ void ParseJob::beginTry()
 bool ParseJob::isWorthRetrying(const Fault &fault) const
 {
     return !fault.is(Failure::ConnectionFailed) && !fault.is(Failure::ProxyFailed);
+}
+
+/** The site answered, or could not even be asked, but it has no video-info response. */
+std::unique_ptr<Job> ParseJob::alternative(const Fault &fault)
+{
+    const bool isRefusal = fault.value >= 400 && fault.value < 500 && fault.value != 407;
+    const bool isNone = isRefusal || fault.is(Failure::BadAddress) ||
+                        fault.is(Failure::EmptyResponse) || fault.is(Failure::MalformedResponse) ||
+                        fault.is(Failure::ResponseTooLarge) || fault.is(Failure::TooManyRedirects);
+    if (!isNone || options().fallbackCommand.empty())
+        return nullptr;
+    return std::make_unique<CommandJob>(requestPointer(), context(), options().fallbackCommand,
+                                        true);
 }
 
 std::optional<Fault> ParseJob::judge(const ResponseHead &head)

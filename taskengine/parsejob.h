@@ -20,6 +20,7 @@ public:
 private:
     void beginTry() override;
     bool isWorthRetrying(const Fault &fault) const override;
+    std::unique_ptr<Job> alternative(const Fault &fault) override;
     std::optional<Fault> judge(const ResponseHead &head) override;
     std::optional<Fault> take(const char *data, std::size_t length) override;
     std::optional<Fault> complete() override;

@@ -98,7 +98,8 @@ void TransferLoop::runCommand(const Command &command)
 {
     const Request *request = command.request.get();
     if (command.verb == Command::Verb::Start)
-        m_jobs[request] = Job::create(command.request, {m_multi.get(), m_events, m_headers});
+        m_jobs[request] =
+            Job::create(command.request, {m_multi.get(), m_events, m_headers, m_mutes});
     const auto found = m_jobs.find(request);
     if (found == m_jobs.end())
         return;
@@ -114,8 +115,19 @@ void TransferLoop::runCommand(const Command &command)
         job.togglePause();
         break;
     }
-    if (job.isOver())
-        m_jobs.erase(found);
+    settle(found);
+}
+
+/** @return the next entry; a job that is over has gone, or its successor has its place */
+TransferLoop::Jobs::iterator TransferLoop::settle(Jobs::iterator entry)
+{
+    while (entry->second->isOver()) {
+        auto successor = entry->second->takeSuccessor();
+        if (!successor)
+            return m_jobs.erase(entry);
+        entry->second = std::move(successor);
+    }
+    return std::next(entry);
 }
 
 void TransferLoop::readResults()
@@ -138,7 +150,7 @@ void TransferLoop::tickJobs()
         Job &job = *entry->second;
         if (!job.isOver())
             job.tick(now);
-        entry = job.isOver() ? m_jobs.erase(entry) : std::next(entry);
+        entry = settle(entry);
     }
 }
 

@@ -38,6 +38,8 @@ private:
     void step();
     void runCommands();
     void runCommand(const Command &command);
+    using Jobs = std::unordered_map<const Request *, std::unique_ptr<Job>>;
+    Jobs::iterator settle(Jobs::iterator entry);
     void readResults();
     void tickJobs();
     void waitForWork();
@@ -46,9 +48,10 @@ private:
     EventDispatcher &m_events;
     const std::unique_ptr<CURLM, MultiDeleter> m_multi;
     std::atomic<bool> m_stopping{false};
-    RequestHeaders m_headers;                                         ///< the thread's own
-    std::unordered_map<const Request *, std::unique_ptr<Job>> m_jobs; ///< the thread's own
-    std::vector<curl_waitfd> m_inputs;                                ///< the thread's own
+    RequestHeaders m_headers;                ///< the thread's own
+    std::unordered_set<std::string> m_mutes; ///< the thread's own
+    Jobs m_jobs;                             ///< the thread's own
+    std::vector<curl_waitfd> m_inputs;       ///< the thread's own
     AnnotatedMutex m_joinMutex;
     std::thread m_thread VIDEODOWN_GUARDED_BY(m_joinMutex); ///< so that it is joined once
 };

@@ -48,6 +48,8 @@ protected:
     {
         m_root = std::make_unique<QTemporaryDir>();
         qputenv("XDG_DATA_HOME", QFile::encodeName(path("data")));
+        qputenv("XDG_CONFIG_HOME", QFile::encodeName(path("config")));
+        qputenv("VIDEODOWN_VIDEO_INFO", "site"); // whatever is installed here
     }
 
     void endFaults()

@@ -179,6 +179,50 @@ private slots:
         QVERIFY(files().isEmpty());
     }
 
+    void settings_data()
+    {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<QByteArray>("jobs"); // in the environment
+        QTest::addColumn<QString>("arguments");
+        QTest::addColumn<QString>("told"); // beside the wrong value that counts
+        QTest::newRow("file") << QByteArray("# c\n\n jobs = x = y \n") << QByteArray() << u""_s
+                              << u"config, line 3: \"x = y\""_s;
+        QTest::newRow("environment")
+            << QByteArray("jobs=1") << QByteArray("y") << u""_s << u"VIDEODOWN_JOBS: \"y\""_s;
+        QTest::newRow("command line")
+            << QByteArray("jobs=x") << QByteArray("y") << u"-j z"_s << u"--jobs: \"z\""_s;
+        QTest::newRow("no file") << QByteArray("odd") << QByteArray() << u"--no-config -j z"_s
+                                 << u"--jobs: \"z\""_s;
+        QTest::newRow("unknown") << QByteArray("job=1") << QByteArray() << u""_s
+                                 << u"line 1: there is no option \"job\""_s;
+        QTest::newRow("not for files") << QByteArray("delete-files=yes") << QByteArray() << u""_s
+                                       << u"no option \"delete-files\""_s;
+        QTest::newRow("no value") << QByteArray("\njobs") << QByteArray() << u""_s
+                                  << u"line 2: there is no \"=\""_s;
+        QTest::newRow("switch") << QByteArray("quiet=maybe") << QByteArray() << u""_s
+                                << u"line 1: \"maybe\""_s;
+        QTest::newRow("beside another")
+            << QByteArray("video-info=auto\nquiet=No") << QByteArray()
+            << u"--video-info-command none.such"_s << u"cannot be started"_s;
+    }
+
+    void settings()
+    {
+        QFETCH(const QByteArray, file);
+        QFETCH(const QByteArray, jobs);
+        QFETCH(const QString, arguments);
+        QDir().mkpath(path("config/videodown"));
+        QFile config(path("config/videodown/config"));
+        QVERIFY(config.open(QIODevice::WriteOnly) && config.write(file) == file.size());
+        config.close();
+        qputenv("VIDEODOWN_JOBS", jobs);
+        const Ended ended =
+            run(QStringList{u"get"_s, page("small-1")} + arguments.split(u' ', Qt::SkipEmptyParts));
+        qunsetenv("VIDEODOWN_JOBS");
+        QFETCH(const QString, told);
+        QVERIFY2(ended.error.contains(told), qPrintable(ended.error));
+    }
+
     void videoInfoCommand()
     {
         QFile script(path("the script"));
@@ -206,13 +250,13 @@ private slots:
         QTest::addColumn<QString>("page");
         QTest::addColumn<QByteArray>("media"); // or what is said instead
         for (const char *kind : {"video", "opengraph", "jsonld", "guarded"})
-            QTest::newRow(kind) << u"/today/%1/partyTime_8"_s.arg(QLatin1String(kind))
+            QTest::newRow(kind) << u"/today/%1/partyTime_8.html"_s.arg(QLatin1String(kind))
                                 << media("fractal-22.mp4");
         QTest::newRow("direct address")
             << u"/media/partyTime_8/18.mp4"_s << media("fractal-18.mp4");
-        QTest::newRow("pieces") << u"/today/pieces/partyTime_8"_s
+        QTest::newRow("pieces") << u"/today/pieces/partyTime_8.html"_s
                                 << QByteArray("none of its formats comes as one MP4 or FLV file");
-        QTest::newRow("no page") << u"/today/video/none"_s << QByteArray("404");
+        QTest::newRow("no page") << u"/today/video/none.html"_s << QByteArray("404");
     }
 
     /** With the real yt-dlp, where it is installed. */
@@ -224,8 +268,7 @@ private slots:
         }
         QFETCH(const QString, page);
         QFETCH(const QByteArray, media);
-        const Ended ended = run({u"get"_s, u"--history"_s, u"h.xml"_s, u"--video-info-command"_s,
-                                 QStringLiteral(VIDEODOWN_EXTRACT),
+        const Ended ended = run({u"get"_s, u"--history"_s, u"h.xml"_s, u"--video-info"_s, u"auto"_s,
                                  QString::fromStdString(m_site.baseAddress()) + page});
         const QStringList there = files();
         QCOMPARE(ended.code, there.isEmpty() ? 1 : 0);

@@ -119,6 +119,43 @@ private slots:
         compareFailure("video", Failure::TooManyFiles);
     }
 
+    void fallback_data()
+    {
+        const auto row = table<int, std::string, std::string>("status", "body", "answers");
+        row("the site", 200, "title=a", "site site");
+        row("not found", 404, "", "command command");
+        row("a page", 200, "<html></html>", "command command");
+        row("nothing", 200, "", "command command");
+        row("out of order", 500, "", "none none");
+        row("the command knows no stream", 404, "status=fail", "command command");
+    }
+
+    /** A site that has no answer of its own is asked once. */
+    void fallback()
+    {
+        QFETCH(const int, status);
+        QFETCH(const std::string, body);
+        QFETCH(const std::string, answers);
+        const bool fails = body == "status=fail";
+        m_options.fallbackCommand = {"printf", "%s\\n", fails ? body : "fmt_stream_map=18|x"};
+        taskengine::setOptions(m_options);
+        misbehave([&](Misbehaviour &fault) {
+            fault.answer = SiteAnswer{status, "text/html", {}, fails ? "" : body};
+        });
+        std::string answered;
+        for (const std::string key : {"1", "2"}) {
+            QCOMPARE(ParseVideoInfo(m_log->parse(key, m_site->pageAddress(key))), 0);
+            const LoggedEvent end = m_log->end(key);
+            const bool byCommand = end.text.find("answered_by=command") != std::string::npos;
+            answered += end.code == DOWN_STATE_PARSE_FAIL ? "none" : byCommand ? "command" : "site";
+            answered += key == "1" ? " " : "";
+            QCOMPARE(m_log->count(key, DOWN_STATE_START_PARSE), 1);
+        }
+        QCOMPARE(answered, answers);
+        const bool isMute = answers.front() == 'c' && !fails;
+        QCOMPARE(m_site->requestCount("/"), std::size_t(isMute ? 1 : 2));
+    }
+
     /** Fields that a command asks for reach the hosts of its streams, and nobody else. */
     void requestHeaders()
     {

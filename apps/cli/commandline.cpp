@@ -2,9 +2,11 @@
 
 #include "arguments.h"
 #include "commandtexts.h"
+#include "configuration.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QHash>
 
 #include <utility>
 
@@ -26,19 +28,8 @@ class CommandParser
 public:
     explicit CommandParser(const CommandText &command) : m_command(command)
     {
-        m_parser.addOption(m_help);
-        const std::pair<unsigned, QList<QCommandLineOption>> groups[] = {
-            {FormatOptions, {m_format}},
-            {WishOptions, {m_from, m_keepSource}},
-            {ConnectionOptions, {m_proxy, m_infoCommand}},
-            {ReportOptions, {m_json, m_quiet}},
-            {JsonOption, {m_json}},
-            {FolderOptions, {m_output, m_downloads, m_again}},
-            {TransferOptions, {m_jobs, m_noThumbnails, m_progress}},
-            {DeleteOption, {m_deleteFiles}},
-            {ConvertOption, {m_convert}},
-            {HistoryOptions, {m_history}}};
-        for (const auto &[group, options] : groups) {
+        m_parser.addOptions({m_help, m_noConfig});
+        for (const auto &[group, options] : groups()) {
             if (takes(group))
                 m_parser.addOptions(options);
         }
@@ -56,6 +47,7 @@ public:
             return wrong(m_parser.errorText());
         if (m_parser.isSet(m_help))
             return Answer{help(), false};
+        m_parser.parse(withSettings(arguments));
         m_line.command = m_command.command;
         readSwitches();
         readFormat();
@@ -82,6 +74,102 @@ public:
     }
 
 private:
+    QList<std::pair<unsigned, QList<QCommandLineOption>>> groups() const
+    {
+        return {{FormatOptions, {m_format}},
+                {WishOptions, {m_from, m_keepSource}},
+                {ConnectionOptions, {m_proxy, m_videoInfo, m_infoCommand}},
+                {ReportOptions, {m_json, m_quiet}},
+                {JsonOption, {m_json}},
+                {FolderOptions, {m_output, m_downloads, m_again}},
+                {TransferOptions, {m_jobs, m_noThumbnails, m_progress}},
+                {DeleteOption, {m_deleteFiles}},
+                {ConvertOption, {m_convert}},
+                {HistoryOptions, {m_history}}};
+    }
+
+    // What may stand in the configuration file: what neither names tasks nor deletes anything.
+    QList<QCommandLineOption> settable() const
+    {
+        QList<QCommandLineOption> result;
+        for (const auto &[group, options] : groups()) {
+            if (group != DeleteOption && group != JsonOption)
+                result += options;
+        }
+        result.removeIf([this](const QCommandLineOption &each) {
+            return each.names() == m_from.names() || each.names() == m_again.names();
+        });
+        return result;
+    }
+
+    // The settings first: of an option that stands twice, the last one counts.
+    QStringList withSettings(const QStringList &arguments)
+    {
+        QStringList names;
+        for (const QCommandLineOption &each : settable())
+            names << each.names().constLast();
+        QList<configuration::Setting> settings;
+        if (!m_parser.isSet(m_noConfig)) {
+            const auto read = configuration::fromFile(names);
+            if (const auto *bad = std::get_if<arguments::Wrong>(&read))
+                m_wrong = bad->why;
+            else
+                settings = std::get<QList<configuration::Setting>>(read);
+        }
+        settings += configuration::fromEnvironment(names);
+        QStringList all = arguments;
+        qsizetype at = 1;
+        for (const configuration::Setting &setting : std::as_const(settings)) {
+            const QString word = asArgument(setting);
+            if (!word.isEmpty())
+                all.insert(at++, word);
+        }
+        return all;
+    }
+
+    // Empty when the command does not take it, or the command line says otherwise.
+    QString asArgument(const configuration::Setting &setting)
+    {
+        for (const auto &[group, options] : groups()) {
+            for (const QCommandLineOption &each : options) {
+                const QString name = each.names().constLast();
+                if (name != setting.option || !takes(group) || m_parser.isSet(each) ||
+                    isExcluded(name))
+                    continue;
+                m_origins.insert(name, setting.origin);
+                if (!each.valueName().isEmpty())
+                    return QStringLiteral("--%1=%2").arg(name, setting.value);
+                const auto on = configuration::isOn(setting.value);
+                if (const auto *bad = std::get_if<arguments::Wrong>(&on))
+                    m_wrong = m_wrong.isEmpty() ? setting.origin + QLatin1String(": ") + bad->why
+                                                : m_wrong;
+                const auto *value = std::get_if<bool>(&on);
+                return value != nullptr && *value ? QLatin1String("--") + name : QString();
+            }
+        }
+        return {};
+    }
+
+    // By an option of the command line that it must not stand beside.
+    bool isExcluded(const QString &name) const
+    {
+        const std::pair<QCommandLineOption, QCommandLineOption> pairs[] = {
+            {m_videoInfo, m_infoCommand}, {m_convert, m_keepSource}};
+        for (const auto &[one, other] : pairs) {
+            if ((name == one.names().constLast() && m_parser.isSet(other)) ||
+                (name == other.names().constLast() && m_parser.isSet(one)))
+                return true;
+        }
+        return false;
+    }
+
+    /** Where the option's value stands, for messages. */
+    QString originOf(const QCommandLineOption &option) const
+    {
+        const QString name = option.names().constLast();
+        return m_origins.value(name, QLatin1String("--") + name);
+    }
+
     Answer wrong(const QString &why) const
     {
         return {QStringLiteral("%1\nTry: videodown help %2")
@@ -96,8 +184,7 @@ private:
         if (const auto *value = std::get_if<Value>(&read))
             target = *value;
         else if (m_wrong.isEmpty())
-            m_wrong = QStringLiteral("--%1: %2")
-                          .arg(from.names().constLast(), std::get<arguments::Wrong>(read).why);
+            m_wrong = originOf(from) + QLatin1String(": ") + std::get<arguments::Wrong>(read).why;
     }
 
     bool takes(unsigned group) const { return (m_command.options & group) != 0; }
@@ -133,9 +220,21 @@ private:
     {
         if (m_parser.isSet(m_proxy))
             take(m_proxy, arguments::proxy(m_parser.value(m_proxy)), m_line.proxy);
+        if (m_parser.isSet(m_videoInfo))
+            readVideoInfo();
         if (m_parser.isSet(m_infoCommand))
             take(m_infoCommand, arguments::command(m_parser.value(m_infoCommand)),
                  m_line.videoInfoCommand);
+    }
+
+    void readVideoInfo()
+    {
+        const QString source = m_parser.value(m_videoInfo);
+        m_line.useExtractor = source == QLatin1String("auto");
+        if (source != QLatin1String("auto") && source != QLatin1String("site"))
+            take(m_videoInfo, arguments::command(source), m_line.videoInfoCommand);
+        if (m_parser.isSet(m_infoCommand) && m_wrong.isEmpty())
+            m_wrong = text("--video-info and --video-info-command exclude each other");
     }
 
     void readTransfer()
@@ -145,8 +244,8 @@ private:
         const QStringList modes{text("auto"), text("always"), text("never")};
         const auto mode = modes.indexOf(m_parser.value(m_progress));
         if (mode < 0 && m_wrong.isEmpty())
-            m_wrong = QStringLiteral("--progress: \"%1\" is none of auto, always and never")
-                          .arg(m_parser.value(m_progress));
+            m_wrong = QStringLiteral("%1: \"%2\" is none of auto, always and never")
+                          .arg(originOf(m_progress), m_parser.value(m_progress));
         m_line.progress = static_cast<ProgressMode>(mode);
     }
 
@@ -154,7 +253,7 @@ private:
     {
         QString name = m_parser.value(from);
         if (m_parser.isSet(from) && name.isEmpty() && m_wrong.isEmpty())
-            m_wrong = QStringLiteral("--%1: the name is empty").arg(from.names().constLast());
+            m_wrong = originOf(from) + QLatin1String(": the name is empty");
         return name;
     }
 
@@ -187,8 +286,11 @@ private:
     QCommandLineParser m_parser;
     CommandLine m_line;
     QString m_wrong;
+    QHash<QString, QString> m_origins; // of values that are not on the command line
 
     const QCommandLineOption m_help = option({text("h"), text("help")}, "Show this help.");
+    const QCommandLineOption m_noConfig =
+        option({text("no-config")}, "Do not read the configuration file.");
     const QCommandLineOption m_from = option({text("from")},
                                              "Also download the addresses in this file, one per "
                                              "line; blank lines and lines that begin with "
@@ -196,9 +298,11 @@ private:
                                              "file");
     const QCommandLineOption m_format = option(
         {text("f"), text("format")},
-        "The wanted format: an extension and, optionally, a picture size, as in mp4:1280x720. The "
+        "The wanted format: an extension and, optionally, a picture size, as in mp4:1280x720. "
+        "The "
         "format of this size is chosen, else the next larger one, else the largest. Without a "
-        "size: the largest format with this extension. Without this option: the largest of all. "
+        "size: the largest format with this extension. Without this option: the largest of "
+        "all. "
         "Nothing is converted without --convert.",
         "ext[:WxH]");
     const QCommandLineOption m_keepSource = option(
@@ -210,12 +314,20 @@ private:
                "Use this proxy: [http|socks5|socks5h://][user:password@]host:port. With socks5h, "
                "the proxy resolves host names.",
                "proxy");
-    const QCommandLineOption m_infoCommand = option(
-        {text("video-info-command")},
-        "Run this command, with the address of a page as its last argument, to find out what the "
-        "site offers. It prints \"key=value\" lines. No shell is used; double quotes keep words "
-        "together.",
-        "command");
+    const QCommandLineOption m_videoInfo =
+        option({text("video-info")},
+               "How to find out what the site offers: \"site\" asks the site itself, \"auto\" then "
+               "asks videodown-extract if the site has no answer and yt-dlp is installed; anything "
+               "else is a command, as with --video-info-command. Default: auto.",
+               "source");
+    const QCommandLineOption m_infoCommand =
+        option({text("video-info-command")},
+               "Run this command, with the address of a page as its last argument, to find out "
+               "what the "
+               "site offers. It prints \"key=value\" lines. No shell is used; double quotes "
+               "keep words "
+               "together.",
+               "command");
     const QCommandLineOption m_json = option(
         {text("json")}, "Print a JSON object for each task on standard output, one per line.");
     const QCommandLineOption m_quiet = option({text("q"), text("quiet")}, "Only show errors.");

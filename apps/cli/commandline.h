@@ -34,6 +34,7 @@ struct CommandLine
     QString historyFile;      ///< empty: the usual one
     std::optional<tagProxyParam> proxy;
     QStringList videoInfoCommand; ///< empty: the site is asked itself
+    bool useExtractor = true;     ///< where the site has no video info
 };
 
 /** A text that answers the command line already: help, the version, or what is wrong. */

@@ -1,12 +1,14 @@
 #include "session.h"
 
 #include "commandhistory.h"
+#include "driver/extractor.h"
 #include "driver/resulttext.h"
 #include "standardstreams.h"
 #include "taskengine/failure.h"
 #include "taskengine/options.h"
 
 #include <QEventLoop>
+#include <QFile>
 
 #include <cerrno>
 #include <csignal>
@@ -15,12 +17,33 @@
 
 namespace {
 
+bool asksSite(const CommandLine &line)
+{
+    return line.videoInfoCommand.isEmpty();
+}
+
+/** The program to ask where the site has no answer; empty: none. */
+QString extractorFor(const CommandLine &line)
+{
+    return asksSite(line) && line.useExtractor ? extractor::findProgram() : QString();
+}
+
 void configureEngine(const CommandLine &line)
 {
     taskengine::Options options = taskengine::options();
     for (const QString &word : line.videoInfoCommand)
         options.videoInfoCommand.push_back(word.toLocal8Bit().toStdString());
+    const QString extractor = extractorFor(line);
+    if (!extractor.isEmpty())
+        options.fallbackCommand = {QFile::encodeName(extractor).toStdString()};
     taskengine::setOptions(options);
+}
+
+bool isFaultOfCommand(double code)
+{
+    const auto is = [code](taskengine::Failure failure) { return code == double(failure); };
+    return is(taskengine::Failure::CommandNotFound) || is(taskengine::Failure::CommandFailed) ||
+           is(taskengine::Failure::UnusableOutput);
 }
 
 DownloadDriver::Settings settingsFor(const CommandLine &line, const QString &downloadFolder)
@@ -30,12 +53,15 @@ DownloadDriver::Settings settingsFor(const CommandLine &line, const QString &dow
     settings.videoLimit = line.jobs;
     settings.thumbnails = line.thumbnails;
     settings.proxy = line.proxy;
-    if (!line.videoInfoCommand.isEmpty())
+    if (!asksSite(line))
         settings.offerAdvice = QStringLiteral("Run the video-info command by hand with this "
                                               "address to see what it says.");
     settings.unfinishedFiles = commandhistory::unfinishedFiles;
-    settings.failureText = [](double code) {
-        return QString::fromStdString(taskengine::failureText(code));
+    settings.failureText = [asksSite = asksSite(line)](double code) {
+        const QString text = QString::fromStdString(taskengine::failureText(code));
+        return asksSite && isFaultOfCommand(code)
+                   ? QStringLiteral("the site has no video info, and the extractor failed: ") + text
+                   : text;
     };
     settings.failureAdvice = [](double code) {
         return QString::fromStdString(taskengine::failureAdvice(code));
