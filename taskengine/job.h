@@ -18,6 +18,7 @@ namespace taskengine {
 struct JobContext
 {
     CURLM *multi;
+    RateLimit &rate;
     EventDispatcher &events;
     RequestHeaders &headers;
     std::unordered_set<std::string> &mutes; ///< hosts that have no video-info responses

@@ -90,6 +90,12 @@ struct Options
     std::size_t lowSpeedLimit = 64;
     /** Length of the stretches in which the speed is judged; pauses are not counted. */
     std::chrono::milliseconds lowSpeedTime{60000};
+    /**
+     * Most bytes per second that all transfers together receive, 0 for no limit. In force within a
+     * second, for what is already under way too. Transfers that have data take turns; the time
+     * that one is held back does not count as slow.
+     */
+    std::size_t rateLimit = 0;
     /** Most bytes of a video-info response, from site or command. */
     std::size_t responseLimit = std::size_t{2} << 20;
     /** Most bytes of an image. */
@@ -98,7 +104,8 @@ struct Options
     std::string caFile;
 };
 
-/** Sets the options of all requests sent from now on. Any thread, engine running or not. */
+/** Sets the options of all requests sent from now on, and the rate limit of all. Any thread, engine
+ * running or not. */
 void setOptions(const Options &options);
 
 /** @return a copy of the options in force. Any thread. */

@@ -10,7 +10,8 @@ namespace taskengine {
 
 namespace {
 
-constexpr long receiveBuffer = 256L * 1024;
+constexpr std::size_t receiveBuffer = std::size_t{256} * 1024;
+constexpr std::size_t smallestBuffer = 4096;
 constexpr long mostRedirects = 10;
 constexpr std::size_t mostHeaderBytes = std::size_t{256} * 1024;
 constexpr const char *protocols = "http,https";
@@ -28,6 +29,13 @@ long proxyType(std::int32_t type)
     }
 }
 
+/** Under a limit the data shall come in small pieces, and often. */
+long bufferFor(std::size_t rateLimit)
+{
+    const std::size_t size = rateLimit == 0 ? receiveBuffer : rateLimit / 8;
+    return static_cast<long>(std::clamp(size, smallestBuffer, receiveBuffer));
+}
+
 /** A bare IPv6 address would be read as host and port. */
 std::string proxyHost(const char *text)
 {
@@ -38,9 +46,10 @@ std::string proxyHost(const char *text)
 
 } // namespace
 
-Transfer::Transfer(CURLM *multi, TransferClient &client, const tagTaskInfo &record,
+Transfer::Transfer(CURLM *multi, RateLimit &rate, TransferClient &client, const tagTaskInfo &record,
                    const Options &options)
     : m_multi(multi),
+      m_rate(rate),
       m_client(client),
       m_record(record),
       m_options(options),
@@ -92,7 +101,7 @@ void Transfer::setLimits()
     curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
     curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS,
                      static_cast<long>(m_options.connectTimeLimit.count()));
-    curl_easy_setopt(easy, CURLOPT_BUFFERSIZE, receiveBuffer);
+    curl_easy_setopt(easy, CURLOPT_BUFFERSIZE, bufferFor(m_options.rateLimit));
     curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
     // Cancelling must not wait for a name server.
     curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
@@ -165,6 +174,8 @@ void Transfer::cancel()
     if (m_running)
         curl_multi_remove_handle(m_multi, m_easy.get());
     m_running = false;
+    m_rate.forget(*this);
+    endHold();
 }
 
 void Transfer::end(CURLcode code)
@@ -192,20 +203,48 @@ void Transfer::end(CURLcode code)
 void Transfer::setPaused(bool paused)
 {
     m_paused = paused;
+    m_rate.forget(*this);
+    endHold();
     restartSpeedCheck(Clock::now());
     if (!m_running || (paused && !m_began)) // then the first bytes are what is held
         return;
+    pauseReceiving(paused);
+}
+
+void Transfer::pauseReceiving(bool paused)
+{
     // Without a connection there is nothing to continue yet, or no more.
     const CURLcode code = curl_easy_pause(m_easy.get(), paused ? CURLPAUSE_RECV : CURLPAUSE_CONT);
     if (code != CURLE_OK && code != CURLE_BAD_FUNCTION_ARGUMENT)
         end(code);
 }
 
+void Transfer::letGo()
+{
+    endHold();
+    pauseReceiving(false);
+}
+
+void Transfer::hold()
+{
+    if (!m_held)
+        m_heldSince = Clock::now();
+    m_held = true;
+}
+
+/** The site could not help it: the time does not count. */
+void Transfer::endHold()
+{
+    if (m_held)
+        m_speedSince += Clock::now() - m_heldSince;
+    m_held = false;
+}
+
 /** curl's own check would count the pause that has just ended. */
 void Transfer::checkSpeed(Clock::time_point now)
 {
     const auto window = m_options.lowSpeedTime;
-    if (!m_running || m_paused || window.count() <= 0 || now - m_speedSince < window)
+    if (!m_running || m_paused || m_held || window.count() <= 0 || now - m_speedSince < window)
         return;
     const std::uint64_t wanted =
         m_options.lowSpeedLimit * static_cast<std::uint64_t>(window.count()) / 1000;
@@ -239,6 +278,10 @@ std::size_t Transfer::write(const char *data, std::size_t length)
         m_began = true;
         if (!m_client.responseBegan())
             return CURL_WRITEFUNC_ERROR;
+    }
+    if (!m_rate.take(*this, length)) {
+        hold();
+        return CURL_WRITEFUNC_PAUSE;
     }
     m_speedBytes += length;
     return m_client.received(data, length) ? length : CURL_WRITEFUNC_ERROR;

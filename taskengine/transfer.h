@@ -4,6 +4,7 @@
 
 #include "engine/taskengine.h"
 #include "taskengine/options.h"
+#include "taskengine/ratelimit.h"
 
 #include <chrono>
 #include <cstdint>
@@ -51,8 +52,8 @@ struct TransferRequest
 class Transfer
 {
 public:
-    /** @param multi, client, record and options outlive the transfer */
-    Transfer(CURLM *multi, TransferClient &client, const tagTaskInfo &record,
+    /** @param multi, rate, client, record and options outlive the transfer */
+    Transfer(CURLM *multi, RateLimit &rate, TransferClient &client, const tagTaskInfo &record,
              const Options &options);
     Transfer(const Transfer &) = delete;
     Transfer &operator=(const Transfer &) = delete;
@@ -65,6 +66,9 @@ public:
     void cancel();
 
     void setPaused(bool paused);
+
+    /** Goes on after the rate limit has held it back. */
+    void letGo();
 
     /** Ends the transfer when it has been too slow for too long. */
     void checkSpeed(Clock::time_point now);
@@ -90,12 +94,16 @@ private:
     bool setFields(const std::string &address);
     std::string redirection() const;
     bool isConnected() const;
+    void pauseReceiving(bool paused);
+    void hold();
+    void endHold();
     void restartSpeedCheck(Clock::time_point now);
     std::size_t write(const char *data, std::size_t length);
     static std::size_t onWrite(char *data, std::size_t size, std::size_t count, void *self);
     static std::size_t onHeader(char *data, std::size_t size, std::size_t count, void *self);
 
     CURLM *const m_multi;
+    RateLimit &m_rate;
     TransferClient &m_client;
     const tagTaskInfo &m_record;
     const Options &m_options;
@@ -105,6 +113,8 @@ private:
     int m_redirects = 0; ///< those followed here
     bool m_running = false;
     bool m_paused = false;
+    bool m_held = false; ///< by the rate limit
+    Clock::time_point m_heldSince;
     bool m_began = false;
     std::size_t m_headerBytes = 0;
     std::uint64_t m_speedBytes = 0;

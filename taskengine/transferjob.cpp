@@ -25,7 +25,8 @@ bool isProxyUsable(const tagTaskInfo &record)
 } // namespace
 
 TransferJob::TransferJob(RequestPointer request, const JobContext &context)
-    : Job(std::move(request), context), m_transfer(multi(), *this, Job::request().record, options())
+    : Job(std::move(request), context),
+      m_transfer(multi(), Job::context().rate, *this, Job::request().record, options())
 {
 }
 

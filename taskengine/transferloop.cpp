@@ -83,6 +83,7 @@ void TransferLoop::step()
     if (curl_multi_perform(m_multi.get(), &running) != CURLM_OK)
         std::this_thread::sleep_for(errorWait);
     readResults();
+    m_rate.tick(Clock::now());
     tickJobs();
     m_events.wake();
 }
@@ -99,7 +100,7 @@ void TransferLoop::runCommand(const Command &command)
     const Request *request = command.request.get();
     if (command.verb == Command::Verb::Start)
         m_jobs[request] =
-            Job::create(command.request, {m_multi.get(), m_events, m_headers, m_mutes});
+            Job::create(command.request, {m_multi.get(), m_rate, m_events, m_headers, m_mutes});
     const auto found = m_jobs.find(request);
     if (found == m_jobs.end())
         return;
@@ -157,7 +158,7 @@ void TransferLoop::tickJobs()
 void TransferLoop::waitForWork()
 {
     m_inputs.clear();
-    Clock::time_point next = Clock::now() + longestWait;
+    Clock::time_point next = std::min(Clock::now() + longestWait, m_rate.wakeTime());
     for (const auto &entry : m_jobs) {
         next = std::min(next, entry.second->wakeTime());
         const int input = entry.second->inputDescriptor();

@@ -48,6 +48,7 @@ private:
     EventDispatcher &m_events;
     const std::unique_ptr<CURLM, MultiDeleter> m_multi;
     std::atomic<bool> m_stopping{false};
+    RateLimit m_rate;                        ///< the thread's own
     RequestHeaders m_headers;                ///< the thread's own
     std::unordered_set<std::string> m_mutes; ///< the thread's own
     Jobs m_jobs;                             ///< the thread's own

@@ -3,6 +3,7 @@
 #include "taskengine/progressmeter.h"
 #include "taskengine/retrydelay.h"
 
+using namespace std::chrono_literals;
 using taskengine::ProxyType;
 
 Q_DECLARE_METATYPE(ProxyType)
@@ -256,6 +257,33 @@ private slots:
         taskengine::setOptions(m_options);
         QCOMPARE(DownloadVideo(m_log->video("good", address, path("/good.flv"))), 0);
         compareEnd("good", DOWN_STATE_DOWNLOAD_FINISH, videoSize);
+    }
+
+    /** What the limit holds back is not slow, and goes on once the limit allows it. */
+    void heldTransfersGoOn()
+    {
+        m_options.rateLimit = 1; // used up by the first piece
+        m_options.lowSpeedTime = std::chrono::milliseconds(500);
+        taskengine::setOptions(m_options);
+        const std::string keys[] = {"first", "second", "paused"};
+        for (const std::string &key : keys)
+            QCOMPARE(DownloadVideo(m_log->video(key, stream(), path("/" + key))), 0);
+        QVERIFY(m_log->waitFor("paused", DOWN_STATE_FILE_SIZE));
+        QCOMPARE(SuspendedDownload("paused"), 0);
+        misbehave([](Misbehaviour &fault) { fault.prefix = "/thumbnail", fault.latency = 5s; });
+        tagTaskInfo slow = m_log->image("slow", thumbnail(), path("/slow"));
+        slow.nEngineParam2 = 2;
+        QCOMPARE(DownloadImage(slow), 0);
+        compareFailure("slow", Failure::TimedOut);
+        QCOMPARE(m_log->count({}, DOWN_STATE_DOWNLOAD_FINISH), 0);
+
+        QCOMPARE(SuspendedDownload("paused"), 0);
+        m_options.rateLimit = 4 * videoSize; // they take turns
+        taskengine::setOptions(m_options);
+        for (const std::string &key : keys) {
+            compareEnd(key, DOWN_STATE_DOWNLOAD_FINISH, videoSize);
+            QVERIFY(contentsOf(path("/" + key)) == bytes());
+        }
     }
 
     void progressMeter()
