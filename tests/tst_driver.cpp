@@ -468,7 +468,7 @@ private slots:
         QTest::addColumn<QString>("cause");
         QTest::addColumn<QString>("file"); // the record's in the end
         const QString video = u"dl/Clip 1.mp4"_s;
-        QTest::newRow("fails") << u"7:1007"_s << u""_s << u"cause 1007"_s << video;
+        QTest::newRow("fails") << u"10:99 7:1007"_s << u""_s << u"cause 1007"_s << video;
         QTest::newRow("stopped") << u"stop 8:0"_s << u""_s << u""_s << video;
         QTest::newRow("place taken")
             << u""_s << u"dl/Clip 1.mp4.former"_s << u"cannot be kept as"_s << video;
@@ -520,6 +520,7 @@ private slots:
         QCOMPARE(TaskFixture::read(record.FileName), "old");
         QCOMPARE(record.State, int(TaskState::Finished));
         QCOMPARE(record.VideoWidth, 640);
+        QCOMPARE(record.FileSize, 3);
         QCOMPARE(f.controllerState().left(3), u"3 2"_s);
     }
 

@@ -269,6 +269,7 @@ private slots:
         row("gone", "video", "0123", {answer("404 Not Found", {}, "x")}, "bytes=4-");
         row("complete", "video", all, {beyond("10")}, "bytes=10-");
         row("other size", "video", all, {beyond("11"), answer("200 OK", {}, all)}, "bytes=10-");
+        row("shrunk", "video", "0123", {beyond("4"), answer("200 OK", {}, all)}, "bytes=4-");
     }
 
     void leftPart()
