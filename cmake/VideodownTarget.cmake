@@ -4,6 +4,11 @@ function(videodown_target target)
   target_compile_definitions(${target} PRIVATE _FILE_OFFSET_BITS=64)
   target_compile_options(${target} PRIVATE
     -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wnon-virtual-dtor)
+  # What is static may end in somebody's shared object.
+  get_target_property(type ${target} TYPE)
+  if(NOT type STREQUAL "EXECUTABLE")
+    set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+  endif()
   if(VIDEODOWN_WERROR)
     target_compile_options(${target} PRIVATE -Werror)
   endif()
