@@ -3,6 +3,7 @@
 #include "engine/annotatedmutex.h"
 #include "taskengine/settings.h"
 
+#include <curl/curl.h>
 #include <utility>
 
 namespace taskengine {
@@ -35,6 +36,11 @@ void setOptions(const Options &options)
 Options options()
 {
     return *currentOptions();
+}
+
+std::string transferLibrary()
+{
+    return std::string("libcurl ") + curl_version_info(CURLVERSION_NOW)->version;
 }
 
 std::shared_ptr<const Options> currentOptions()

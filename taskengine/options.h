@@ -111,6 +111,9 @@ void setOptions(const Options &options);
 /** @return a copy of the options in force. Any thread. */
 Options options();
 
+/** @return what the engine transfers with, as in "libcurl 7.88.1". Any thread. */
+std::string transferLibrary();
+
 } // namespace taskengine
 
 #endif

@@ -55,7 +55,7 @@ private slots:
         QTest::newRow("help") << u"--help"_s << 0 << u"formats ADDRESS"_s;
         QTest::newRow("help on get") << u"get -h"_s << 0 << u"--keep-source"_s;
         QTest::newRow("help on formats") << u"help formats"_s << 0 << u"videodown formats"_s;
-        QTest::newRow("version") << u"--version"_s << 0 << u"videodown "_s;
+        QTest::newRow("version") << u"--version"_s << 0 << u", libcurl "_s;
         QTest::newRow("nothing") << QString() << 2 << u"no command"_s;
         QTest::newRow("unknown command") << u"fetch x"_s << 2 << u"\"fetch\""_s;
         QTest::newRow("unknown option") << u"get --fast PAGE"_s << 2 << u"fast"_s;

@@ -279,6 +279,21 @@ private slots:
                  indented.replace(indentation, QStringLiteral("\n")));
     }
 
+    // What an earlier version saved; a folder without files would test nothing.
+    void earlierVersionsAreRead()
+    {
+        const QDir folder(QStringLiteral(VIDEODOWN_HISTORIES));
+        const QStringList names = folder.entryList({QStringLiteral("*.xml")});
+        QVERIFY(!names.isEmpty());
+        for (const QString &name : names) {
+            CXMLHistory history;
+            history.LoadFromFile(folder.filePath(name));
+            history.SaveToFile(m_path);
+            QVERIFY(history.count() > 0);
+            QCOMPARE(contentOf(m_path), contentOf(folder.filePath(name)));
+        }
+    }
+
     void randomRecordsComeBack()
     {
         QRandomGenerator random(20261122);

@@ -3,6 +3,7 @@
 #include "arguments.h"
 #include "commandtexts.h"
 #include "configuration.h"
+#include "taskengine/options.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -28,11 +29,7 @@ class CommandParser
 public:
     explicit CommandParser(const CommandText &command) : m_command(command)
     {
-        m_parser.addOptions({m_help, m_noConfig});
-        for (const auto &[group, options] : groups()) {
-            if (takes(group))
-                m_parser.addOptions(options);
-        }
+        m_parser.addOptions(options());
         m_parser.setApplicationDescription(text(command.description));
         if (takes(WishOptions))
             m_parser.addPositionalArgument(text("ADDRESS"), text("The address of a video page."));
@@ -64,6 +61,16 @@ public:
         if (m_wrong.isEmpty())
             readArguments();
         return m_wrong.isEmpty() ? std::variant<CommandLine, Answer>(m_line) : wrong(m_wrong);
+    }
+
+    QList<QCommandLineOption> options() const
+    {
+        QList<QCommandLineOption> result{m_help, m_noConfig};
+        for (const auto &[group, options] : groups()) {
+            if (takes(group))
+                result += options;
+        }
+        return result;
     }
 
     QString help() const
@@ -379,13 +386,20 @@ Answer helpOn(const QString &name)
 
 } // namespace
 
+QList<QCommandLineOption> optionsOf(const CommandText &command)
+{
+    return CommandParser(command).options();
+}
+
 std::variant<CommandLine, Answer> readCommandLine(const QStringList &arguments)
 {
     const QString name = arguments.value(1);
     if (const CommandText *command = commandNamed(name))
         return CommandParser(*command).read(arguments.mid(1));
     if (name == QLatin1String("-v") || name == QLatin1String("--version"))
-        return Answer{QStringLiteral("videodown %1\n").arg(QCoreApplication::applicationVersion()),
+        return Answer{QStringLiteral("videodown %1 (Qt %2, %3)\n")
+                          .arg(QCoreApplication::applicationVersion(), QLatin1String(qVersion()),
+                               QString::fromStdString(taskengine::transferLibrary())),
                       false};
     if (name == QLatin1String("-h") || name == QLatin1String("--help"))
         return helpOn({});

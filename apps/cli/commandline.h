@@ -6,10 +6,13 @@
 #include "engine/taskengine.h"
 #include "progressview.h"
 
+#include <QCommandLineOption>
 #include <QStringList>
 
 #include <optional>
 #include <variant>
+
+struct CommandText;
 
 enum class Command { Get, Formats, List, Show, Resume, Retry, Upgrade, Rename, Remove };
 
@@ -46,5 +49,8 @@ struct Answer
 
 /** @param arguments the program's, its name included */
 std::variant<CommandLine, Answer> readCommandLine(const QStringList &arguments);
+
+/** The options that a command takes. */
+QList<QCommandLineOption> optionsOf(const CommandText &command);
 
 #endif

@@ -98,3 +98,11 @@ const CommandText *commandNamed(const QString &name)
         });
     return found == commands.end() ? nullptr : found;
 }
+
+QList<const CommandText *> allCommands()
+{
+    QList<const CommandText *> all;
+    for (const CommandText &command : commands)
+        all << &command;
+    return all;
+}

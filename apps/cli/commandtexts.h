@@ -35,4 +35,7 @@ extern const char *const overviewText;
 /** Null when there is no such command. */
 const CommandText *commandNamed(const QString &name);
 
+/** In the order in which the help names them. */
+QList<const CommandText *> allCommands();
+
 #endif

@@ -1,4 +1,5 @@
 // videodown-extract: what yt-dlp knows of a page, as a video-info response.
+#include "extract/commandoptions.h"
 #include "extract/extractor.h"
 #include "extract/infolines.h"
 
@@ -39,29 +40,12 @@ struct CommandLine
     extractor::Options options;
 };
 
-const QCommandLineOption listOption(QStringLiteral("list"),
-                                    QStringLiteral("Print the addresses of the pages in a playlist "
-                                                   "or channel, one per line."));
-const QCommandLineOption cookiesOption(QStringLiteral("cookies"),
-                                       QStringLiteral("Read cookies from a file in Netscape's "
-                                                      "format, as browsers export it."),
-                                       QStringLiteral("file"));
-const QCommandLineOption programOption(QStringLiteral("program"),
-                                       QStringLiteral("Run this in the place of yt-dlp."),
-                                       QStringLiteral("program"));
-const QCommandLineOption timeOption(QStringLiteral("time-limit"),
-                                    QStringLiteral("Give up after so many seconds, 1 to 3600; "
-                                                   "without this option: 50."),
-                                    QStringLiteral("seconds"));
-
 void describe(QCommandLineParser &parser)
 {
-    parser.setApplicationDescription(QStringLiteral(
-        "Asks yt-dlp about a video page and prints the formats that come as one file "
-        "over HTTP, as the lines of a video-info response."));
+    parser.setApplicationDescription(extractoptions::description());
     parser.addPositionalArgument(QStringLiteral("address"),
                                  QStringLiteral("The address of the page, http or https."));
-    parser.addOptions({listOption, cookiesOption, programOption, timeOption});
+    parser.addOptions(extractoptions::all());
     parser.addHelpOption();
     parser.addVersionOption();
 }
@@ -82,12 +66,12 @@ QString read(const QCommandLineParser &parser, CommandLine &line)
     line.address = parser.positionalArguments().constFirst();
     if (!isPage(line.address))
         return QStringLiteral("\"%1\" is not the address of a page").arg(line.address);
-    line.asList = parser.isSet(listOption);
-    line.options.cookieFile = parser.value(cookiesOption);
-    if (parser.isSet(programOption))
-        line.options.program = parser.value(programOption);
-    if (parser.isSet(timeOption)) {
-        const int seconds = parser.value(timeOption).toInt();
+    line.asList = parser.isSet(extractoptions::list);
+    line.options.cookieFile = parser.value(extractoptions::cookies);
+    if (parser.isSet(extractoptions::program))
+        line.options.program = parser.value(extractoptions::program);
+    if (parser.isSet(extractoptions::timeLimit)) {
+        const int seconds = parser.value(extractoptions::timeLimit).toInt();
         if (seconds < 1 || seconds > 3600)
             return QStringLiteral("--time-limit needs a number of seconds from 1 to 3600");
         line.options.timeLimit = std::chrono::seconds(seconds);

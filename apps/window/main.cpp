@@ -1,4 +1,5 @@
 // The program videodown-window: videodown-window [--history FILE] [ADDRESS...]
+#include "commandoptions.h"
 #include "instancelink.h"
 #include "mainwindow.h"
 
@@ -59,9 +60,8 @@ int main(int argc, char **argv)
     QCommandLineParser parser;
     parser.addHelpOption();
     parser.addVersionOption();
-    const QCommandLineOption history(QStringLiteral("history"),
-                                     QCoreApplication::translate("main", "The history file."),
-                                     QStringLiteral("file"));
+    parser.setApplicationDescription(windowoptions::description());
+    const QCommandLineOption history = windowoptions::history();
     parser.addOption(history);
     parser.addPositionalArgument(
         QStringLiteral("ADDRESS"),

@@ -1157,6 +1157,10 @@
 <context>
     <name>main</name>
     <message>
+        <source>Shows the videos of the history and downloads those of the pages that are added: pasted, dropped, or named on the command line. A second start hands its addresses to the window that is open.</source>
+        <translation>Zeigt die Videos des Verlaufs und lädt die der Seiten herunter, die hinzugefügt werden: eingefügt, herübergezogen oder auf der Befehlszeile genannt. Ein zweiter Start übergibt seine Adressen dem offenen Fenster.</translation>
+    </message>
+    <message>
         <source>The history file.</source>
         <translation>Die Verlaufsdatei.</translation>
     </message>
