@@ -1016,6 +1016,10 @@
         <translation>„%1“ kann nicht umbenannt werden; das Video heißt jetzt „%2“</translation>
     </message>
     <message>
+        <source>the site has no video info, and the extractor says: %1</source>
+        <translation>die Seite hat keine Videoangaben, und der Extraktor meldet: %1</translation>
+    </message>
+    <message>
         <source>the site offers no formats of this video</source>
         <translation>die Seite bietet keine Formate dieses Videos an</translation>
     </message>
