@@ -18,6 +18,8 @@ QString row(const QString &name, const QString &value)
 DetailsPane::DetailsPane(QWidget *parent) : QTextBrowser(parent)
 {
     setOpenLinks(false);
+    // Without the keyboard, there would be no copying with Ctrl+C either.
+    setTextInteractionFlags(textInteractionFlags() | Qt::TextSelectableByKeyboard);
     setAccessibleName(tr("Details of the selected task"));
 }
 
