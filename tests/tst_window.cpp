@@ -255,6 +255,8 @@ private slots:
         QVERIFY(reader->statusBar()->findChildren<QLabel *>().first()->text().contains(
             QString::number(process.processId())));
         reader->addAddresses({page("small-4")});
+        const auto *refusal = reader->findChild<QMessageBox *>();
+        QVERIFY(refusal != nullptr && refusal->informativeText().contains(page("small-4")));
         closeWindow(*reader);
         process.kill();
         end(process);

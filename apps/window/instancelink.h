@@ -21,6 +21,8 @@ public:
     bool sendToFirst(const QStringList &addresses);
     /** Becomes the first instance; a socket that a crashed one left is replaced. @return whether */
     bool listen();
+    /** Lets another become the first instance. */
+    void close() { m_server.close(); }
 
 signals:
     /** A second start has handed over its addresses, perhaps none: raise the window. */

@@ -10,8 +10,11 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QLibraryInfo>
+#include <QProcess>
 #include <QStandardPaths>
 #include <QTranslator>
+
+#include <optional>
 
 #include <unistd.h>
 
@@ -45,6 +48,37 @@ void translate(QApplication &application)
         QApplication::installTranslator(qt);
 }
 
+// `late` is what second starts handed over while the window was closing.
+int runWindow(const QString &history, const QStringList &addresses, InstanceLink &link,
+              std::optional<QStringList> &late)
+{
+    link.listen();
+    MainWindow window(history);
+    QObject::connect(&link, &InstanceLink::received, &window, [&](const QStringList &received) {
+        if (window.isClosing()) {
+            late = late.value_or(QStringList()) + received;
+            return;
+        }
+        window.addAddresses(received);
+        window.raiseWindow();
+    });
+    QObject::connect(&window, &MainWindow::opened, &window,
+                     [&] { window.addAddresses(addresses); });
+    QObject::connect(&window, &MainWindow::closed, qApp, &QCoreApplication::quit);
+    window.start();
+    window.show();
+    const int code = QApplication::exec();
+    link.close();
+    return code;
+}
+
+// Not in a loop in this program: the engine's settings and the controller's lists start afresh.
+void startAgain(const QString &history, const QStringList &addresses)
+{
+    QProcess::startDetached(QCoreApplication::applicationFilePath(),
+                            QStringList{QStringLiteral("--history"), history} + addresses);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -73,16 +107,9 @@ int main(int argc, char **argv)
     InstanceLink link(instanceName(path));
     if (link.sendToFirst(parser.positionalArguments()))
         return 0;
-    link.listen();
-    MainWindow window(path);
-    QObject::connect(&link, &InstanceLink::received, &window, [&](const QStringList &addresses) {
-        window.addAddresses(addresses);
-        window.raiseWindow();
-    });
-    QObject::connect(&window, &MainWindow::opened, &window,
-                     [&] { window.addAddresses(parser.positionalArguments()); });
-    QObject::connect(&window, &MainWindow::closed, &application, &QCoreApplication::quit);
-    window.start();
-    window.show();
-    return QApplication::exec();
+    std::optional<QStringList> late;
+    const int code = runWindow(path, parser.positionalArguments(), link, late);
+    if (late)
+        startAgain(path, *late);
+    return code;
 }

@@ -44,6 +44,8 @@ public:
     TaskModel &model() { return m_model; }
     QTreeView &view() { return *m_view; }
     QAction &action(TaskAction action);
+    /** Whether everything is being stopped and saved: nothing can be added any more. */
+    bool isClosing() const { return m_closing; }
 
 signals:
     /** The history has been read. */
@@ -100,6 +102,7 @@ private:
     void selectionChanged();
     void showAddDialog();
     void addFrom(AddDialog &dialog);
+    void refuse(const QStringList &addresses);
     void paste();
     void showSettings();
     void renameTask();

@@ -10,6 +10,7 @@
 #include <QDragEnterEvent>
 #include <QFileInfo>
 #include <QInputDialog>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QStatusBar>
 #include <QTreeView>
@@ -119,10 +120,27 @@ void MainWindow::addAddresses(const QStringList &addresses)
         requests << m_settings.request(address);
     if (requests.isEmpty())
         return;
+    if (m_readOnly)
+        return refuse(addresses);
     callWorker([worker = m_worker, requests, convert = m_settings.convert] {
         worker->add(requests, convert);
     });
     statusBar()->showMessage(tr("%n video(s) added", nullptr, int(requests.size())), 5000);
+}
+
+// Nobody's addresses get lost: they can be copied from here.
+void MainWindow::refuse(const QStringList &addresses)
+{
+    auto *notice = new QMessageBox(
+        QMessageBox::Information, windowTitle(),
+        tr("%n video(s) not added: the history can only be read.", nullptr, int(addresses.size())),
+        QMessageBox::Ok, this);
+    notice->setAttribute(Qt::WA_DeleteOnClose);
+    notice->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    if (addresses.size() > 10)
+        notice->setDetailedText(addresses.join(u'\n'));
+    notice->setInformativeText(addresses.mid(0, 10).join(u'\n'));
+    notice->open();
 }
 
 void MainWindow::showAddDialog()
@@ -151,7 +169,7 @@ void MainWindow::paste()
     const QStringList addresses = AddDialog::addressesIn(QApplication::clipboard()->text());
     if (addresses.isEmpty())
         statusBar()->showMessage(tr("There is no address in the clipboard."), 5000);
-    else if (!m_readOnly && !m_closing)
+    else if (!m_closing)
         addAddresses(addresses);
 }
 
@@ -164,7 +182,10 @@ void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 void MainWindow::dropEvent(QDropEvent *event)
 {
     addAddresses(AddDialog::addressesIn(mimeText(*event->mimeData())));
-    event->acceptProposedAction();
+    // A move would take the text away where it came from.
+    if (event->possibleActions().testFlag(Qt::CopyAction))
+        event->setDropAction(Qt::CopyAction);
+    event->accept();
 }
 
 void MainWindow::showSettings()

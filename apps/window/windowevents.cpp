@@ -112,6 +112,7 @@ void MainWindow::askForDeletion(const QStringList &keys, const QStringList &file
         tr("Remove %n video(s) from the list and delete these files?", nullptr, int(keys.size())),
         QMessageBox::Cancel, this);
     question->setAttribute(Qt::WA_DeleteOnClose);
+    question->setDefaultButton(QMessageBox::Cancel);
     question->setInformativeText(files.isEmpty() ? tr("There are no files.")
                                                  : files.mid(0, 10).join(u'\n'));
     if (files.size() > 10)

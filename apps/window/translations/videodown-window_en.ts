@@ -31,6 +31,13 @@
         </translation>
     </message>
     <message numerus="yes">
+        <source>%n video(s) not added: the history can only be read.</source>
+        <translation>
+            <numerusform>%n video not added: the history can only be read.</numerusform>
+            <numerusform>%n videos not added: the history can only be read.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
         <source>%n download(s) were interrupted. Resume them now?</source>
         <translation>
             <numerusform>%n download was interrupted. Resume it now?</numerusform>
