@@ -1,6 +1,7 @@
 #include "mainwindow.h"
 
 #include "adddialog.h"
+#include "columnmenu.h"
 #include "detailspane.h"
 #include "progressdelegate.h"
 
@@ -123,7 +124,9 @@ void MainWindow::makeDetails()
     resizeDocks({dock}, {8 * fontMetrics().lineSpacing()}, Qt::Vertical);
     QAction *toggle = dock->toggleViewAction();
     toggle->setShortcut(QKeySequence(Qt::Key_F9));
-    menuBar()->addMenu(tr("&View"))->addAction(toggle);
+    QMenu *menu = menuBar()->addMenu(tr("&View"));
+    menu->addAction(toggle);
+    menu->addMenu(new ColumnMenu(*m_view->header(), this));
 }
 
 QAction *MainWindow::addAction(const QString &text, const QString &icon, const QKeySequence &keys,

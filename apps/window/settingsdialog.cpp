@@ -48,7 +48,7 @@ QWidget *SettingsDialog::Widgets::makeDownloads(const Settings &settings)
     limit->setRange(1, maxVideoLimit);
     limit->setValue(settings.videoLimit);
     form->addRow(SettingsDialog::tr("&Videos at once:"), limit);
-    thumbnails = new QCheckBox(SettingsDialog::tr("Download &thumbnails (from the next start)"));
+    thumbnails = new QCheckBox(SettingsDialog::tr("Download &thumbnails"));
     thumbnails->setChecked(settings.thumbnails);
     notify = new QCheckBox(SettingsDialog::tr("&Notify me when all downloads have ended"));
     notify->setChecked(settings.notify);

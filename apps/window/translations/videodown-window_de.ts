@@ -64,6 +64,13 @@
     </message>
 </context>
 <context>
+    <name>ColumnMenu</name>
+    <message>
+        <source>&amp;Columns</source>
+        <translation>&amp;Spalten</translation>
+    </message>
+</context>
+<context>
     <name>DetailsPane</name>
     <message>
         <source>Details of the selected task</source>
@@ -646,6 +653,13 @@
         <source>only one video at a time</source>
         <translation>nur für ein einzelnes Video</translation>
     </message>
+    <message numerus="yes">
+        <source>%n video(s) not added: the history can only be read.</source>
+        <translation>
+            <numerusform>%n Video nicht hinzugefügt: Der Verlauf kann nur gelesen werden.</numerusform>
+            <numerusform>%n Videos nicht hinzugefügt: Der Verlauf kann nur gelesen werden.</numerusform>
+        </translation>
+    </message>
 </context>
 <context>
     <name>SettingsDialog</name>
@@ -660,10 +674,6 @@
     <message>
         <source>&amp;Videos at once:</source>
         <translation>&amp;Videos gleichzeitig:</translation>
-    </message>
-    <message>
-        <source>Download &amp;thumbnails (from the next start)</source>
-        <translation>&amp;Vorschaubilder herunterladen (ab dem nächsten Start)</translation>
     </message>
     <message>
         <source>&amp;Notify me when all downloads have ended</source>
@@ -732,6 +742,10 @@
     <message>
         <source>N&amp;etwork</source>
         <translation>&amp;Netzwerk</translation>
+    </message>
+    <message>
+        <source>Download &amp;thumbnails</source>
+        <translation>&amp;Vorschaubilder herunterladen</translation>
     </message>
 </context>
 <context>
@@ -1082,6 +1096,10 @@
     <message>
         <source>Make its folder writable, and rename the file.</source>
         <translation>Machen Sie den Ordner schreibbar, und benennen Sie die Datei um.</translation>
+    </message>
+    <message>
+        <source>the site has no video info, and the extractor says: %1</source>
+        <translation>die Seite hat keine Video-Info, und das Hilfsprogramm meldet: %1</translation>
     </message>
 </context>
 <context>
