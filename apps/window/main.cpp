@@ -39,8 +39,10 @@ QString instanceName(const QString &history)
 void translate(QApplication &application)
 {
     auto *own = new QTranslator(&application);
+    // English has its plurals there; without a translation of the user's language, it is shown.
     if (own->load(QLocale(), QStringLiteral("videodown-window"), QStringLiteral("_"),
-                  QStringLiteral(":/i18n")))
+                  QStringLiteral(":/i18n")) ||
+        own->load(QStringLiteral(":/i18n/videodown-window_en.qm")))
         QApplication::installTranslator(own);
     auto *qt = new QTranslator(&application);
     if (qt->load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
