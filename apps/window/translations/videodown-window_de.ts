@@ -1097,10 +1097,6 @@
         <source>Make its folder writable, and rename the file.</source>
         <translation>Machen Sie den Ordner schreibbar, und benennen Sie die Datei um.</translation>
     </message>
-    <message>
-        <source>the site has no video info, and the extractor says: %1</source>
-        <translation>die Seite hat keine Video-Info, und das Hilfsprogramm meldet: %1</translation>
-    </message>
 </context>
 <context>
     <name>WishWidget</name>
