@@ -127,7 +127,7 @@ void CDown::LoadFromFile(const QString &path)
         const ControllerLock lock;
         history = m_pHistory;
     }
-    const QList<CXMLInfo *> tasks = historyfile::tasks(historyfile::read(file), history);
+    const QList<CXMLInfo *> tasks = historyfile::load(file, history).tasks;
     const ControllerLock lock;
     m_pHistory->m_InfoList.append(tasks);
 }

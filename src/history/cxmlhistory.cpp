@@ -1,7 +1,5 @@
 #include "history/cxmlhistory.h"
 
-#include <QSet>
-
 #include <algorithm>
 #include <utility>
 
@@ -60,6 +58,7 @@ void CXMLHistory::remove(int index)
 
 void CXMLHistory::removeAll()
 {
-    const QList<CXMLInfo *> all = std::exchange(m_InfoList, {});
-    qDeleteAll(QSet<CXMLInfo *>(all.cbegin(), all.cend()));
+    QList<CXMLInfo *> all = std::exchange(m_InfoList, {});
+    std::sort(all.begin(), all.end());
+    qDeleteAll(all.begin(), std::unique(all.begin(), all.end()));
 }

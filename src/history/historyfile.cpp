@@ -1,5 +1,6 @@
 #include "history/historyfile.h"
 
+#include "history/plainreader.h"
 #include "history/taskelement.h"
 
 #include <QApplication>
@@ -185,6 +186,18 @@ QByteArray historyfile::serialize(const CXMLHistory &history)
     return Writer().document(history.m_InfoList);
 }
 
+historyfile::Loaded historyfile::load(const QString &path, CXMLHistory *history)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return {{}, false};
+    if (const auto plain = plainTasks(file, history))
+        return {*plain, true};
+    if (!file.isSequential())
+        file.seek(0);
+    return {tasks(contentOf(file.readAll()), history), false};
+}
+
 void historyfile::write(const QString &path, const QByteArray &content)
 {
     QFile file(path);
@@ -195,7 +208,7 @@ void historyfile::write(const QString &path, const QByteArray &content)
 void CXMLHistory::LoadFromFile(const QString &path)
 {
     if (historyfile::exists(path))
-        m_InfoList.append(historyfile::tasks(historyfile::read(path), this));
+        m_InfoList.append(historyfile::load(path, this).tasks);
     else
         historyfile::announceMissing();
 }

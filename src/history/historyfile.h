@@ -18,6 +18,17 @@ bool exists(const QString &path);
  */
 void announceMissing();
 
+/** What was read of a history. */
+struct Loaded
+{
+    QList<CXMLInfo *> tasks; ///< new records, the caller's
+    bool isPlain;            ///< the file is of the form that `serialize` gives: nothing is wrong
+                             ///< with it. Else it may still be well-formed
+};
+/** Reads the file, once; for any other than a plain one its tasks are those up to the first syntax
+ * error. `history` is what the records are made for. No failure is reported. */
+Loaded load(const QString &path, CXMLHistory *history);
+
 /** What a file holds, free of everything that would end its parsing before its first real error. */
 struct Content
 {
@@ -25,9 +36,8 @@ struct Content
     QString text;    ///< else the text, with replacements
 };
 
-/** Reads the file; empty on failure. */
-Content read(const QString &path);
-/** Its tasks, up to the first syntax error: new records, the caller's, made for `history`. */
+Content contentOf(const QByteArray &bytes);
+/** The tasks in it, up to the first syntax error: new records, the caller's, made for `history`. */
 QList<CXMLInfo *> tasks(const Content &content, CXMLHistory *history);
 
 /** The whole file for the list as it stands. */

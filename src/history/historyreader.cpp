@@ -1,7 +1,6 @@
 #include "history/historyfile.h"
 #include "history/taskelement.h"
 
-#include <QFile>
 #include <QRegularExpression>
 #include <QStringDecoder>
 #include <QXmlStreamReader>
@@ -246,12 +245,8 @@ private:
 
 } // namespace
 
-historyfile::Content historyfile::read(const QString &path)
+historyfile::Content historyfile::contentOf(const QByteArray &bytes)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    const QByteArray bytes = file.readAll();
     if (isSound(bytes))
         return {bytes, {}};
     QString text = decoderFor(bytes)(bytes);

@@ -82,6 +82,8 @@ QDateTime localTime(QDate date, QTime time)
     return value;
 }
 
+} // namespace
+
 // "yyyy-M-d h:m:s". Parsed here rather than by QDateTime, which calls a time invalid that the local
 // clock skipped, and is several times slower.
 QDateTime readDateTime(QStringView text)
@@ -98,8 +100,6 @@ QDateTime readDateTime(QStringView text)
     const QTime time(*hour, *minute, *second);
     return date.isValid() && time.isValid() ? localTime(date, time) : QDateTime();
 }
-
-} // namespace
 
 QString carryable(const QString &text)
 {

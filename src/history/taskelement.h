@@ -35,6 +35,9 @@ QString toText(const QDateTime &value);
 QString toText(bool value);
 QString toText(float value);
 
+/** A date and time of the form "yyyy-M-d h:m:s"; invalid for any other text. */
+QDateTime readDateTime(QStringView text);
+
 void fromText(const QString &text, QString &value);
 void fromText(const QString &text, int &value);
 void fromText(const QString &text, qint64 &value);
