@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -37,6 +38,23 @@ bool writeAll(int descriptor, const QByteArray &bytes)
             done += written;
         else if (written == 0 || errno != EINTR)
             return false;
+    }
+    return true;
+}
+
+bool holds(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) || file.size() != bytes.size())
+        return false;
+    constexpr qsizetype blockSize = 256 * 1024;
+    QByteArray block(blockSize, Qt::Uninitialized);
+    for (qsizetype at = 0; at < bytes.size();) {
+        const qint64 size = file.read(block.data(), blockSize);
+        if (size <= 0 || size > bytes.size() - at ||
+            !std::equal(block.cbegin(), block.cbegin() + size, bytes.cbegin() + at))
+            return false;
+        at += size;
     }
     return true;
 }

@@ -14,6 +14,9 @@ std::filesystem::path native(const QString &path);
 /** Writes all of it, however many calls that takes. */
 bool writeAll(int descriptor, const QByteArray &bytes);
 
+/** Whether the file holds these very bytes. */
+bool holds(const QString &path, const QByteArray &bytes);
+
 /** Returns when the file's bytes are on disk. @return whether they are */
 bool syncFile(const QString &path);
 /** The same for the names in a folder. File systems that cannot do it are no failure. */

@@ -34,6 +34,7 @@ QString DownloadSession::open(const QString &historyPath)
 {
     auto keeper = std::make_unique<HistoryKeeper>(controller(), historyPath, m_unfinishedFiles);
     connect(keeper.get(), &HistoryKeeper::saveFailed, this, &DownloadSession::saveFailed);
+    keeper->expectChanges();
     QString problem = keeper->open();
     if (!problem.isEmpty())
         return problem;
@@ -45,6 +46,11 @@ QString DownloadSession::open(const QString &historyPath)
 QString DownloadSession::save()
 {
     return m_keeper ? m_keeper->save() : QString();
+}
+
+QString DownloadSession::finish()
+{
+    return m_keeper ? m_keeper->finish() : QString();
 }
 
 QString DownloadSession::add(const DownloadRequest &request)

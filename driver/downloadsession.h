@@ -35,7 +35,11 @@ public:
 
     /** Loads a history and keeps it from now on. @return why that failed, in English, or empty */
     QString open(const QString &historyPath);
-    /** Writes the history. @return why that failed, in English, or empty; also without a history */
+    /** Has all changes on disk. @return why that failed, in English, or empty; also without a
+     * history */
+    QString finish();
+    /** Writes the whole history. @return why that failed, in English, or empty; also without a
+     * history */
     QString save();
 
     /** Takes a task on; see `DownloadDriver::add`. */

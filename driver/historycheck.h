@@ -1,14 +1,9 @@
 #ifndef VIDEODOWN_DRIVER_HISTORYCHECK_H
 #define VIDEODOWN_DRIVER_HISTORYCHECK_H
 
-#include <QString>
+#include <QIODevice>
 
-#include <optional>
-
-/**
- * The number of tasks in a history file.
- * @return nothing when it cannot be read or is not well-formed XML
- */
-std::optional<int> countTasks(const QString &path);
+/** Whether all that can still be read of `file` is a well-formed XML document. */
+bool isWellFormed(QIODevice &file);
 
 #endif

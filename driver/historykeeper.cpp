@@ -1,11 +1,11 @@
 #include "driver/historykeeper.h"
 
 #include "driver/disk.h"
-#include "driver/historycheck.h"
 #include "driver/historylock.h"
 #include "driver/journal.h"
 #include "driver/journalentry.h"
 #include "driver/recordtext.h"
+#include "history/historyfile.h"
 
 #include <QDir>
 #include <QFile>
@@ -42,7 +42,12 @@ HistoryKeeper::HistoryKeeper(CDown &controller, const QString &path, UnfinishedF
 HistoryKeeper::~HistoryKeeper()
 {
     if (m_open && m_journal->exists())
-        save();
+        finish();
+}
+
+void HistoryKeeper::expectChanges()
+{
+    m_expectsChanges = true;
 }
 
 QString HistoryKeeper::open()
@@ -94,6 +99,7 @@ bool HistoryKeeper::isUpgrading(const QString &key)
 bool HistoryKeeper::commit(const QStringList &keys)
 {
     QSet<QString> due(keys.cbegin(), keys.cend());
+    m_committed.unite(due);
     due.unite(std::exchange(m_unstored, {}));
     QList<QJsonObject> entries;
     for (const QString &key : std::as_const(due)) {
@@ -122,15 +128,21 @@ bool HistoryKeeper::append(const QList<QJsonObject> &entries)
     QByteArray digest;
     {
         const MutexLock lock(m_mutex);
-        if (!m_digest)
-            m_digest = Journal::digestOf(m_path);
-        digest = *m_digest;
+        digest = this->digest();
     }
     if (!m_journal->append(entries, digest) || !m_journal->sync())
         return reportSave(tr("%1.journal cannot be written; the disk may be full").arg(m_path));
     if (m_journal->size() > shortJournal + QFileInfo(m_path).size())
         return reportSave(save());
     return reportSave({});
+}
+
+QByteArray HistoryKeeper::digest()
+{
+    if (!m_digest)
+        m_digest =
+            m_digestOfLoaded.valid() ? m_digestOfLoaded.get() : Journal::digestOfFile(m_path);
+    return *m_digest;
 }
 
 bool HistoryKeeper::reportSave(const QString &problem)
@@ -187,6 +199,21 @@ void HistoryKeeper::endUpgrade(const QString &key)
     m_stored.remove(key);
 }
 
+// Reading the journal then adds little to reading the history.
+bool HistoryKeeper::isJournalShort() const
+{
+    constexpr qint64 share = 16;
+    return m_journal->size() * share < QFileInfo(m_path).size();
+}
+
+QString HistoryKeeper::finish()
+{
+    if (!m_open || !isJournalShort() || !commit(m_committed.values()))
+        return save();
+    m_committed.clear();
+    return {};
+}
+
 QString HistoryKeeper::save()
 {
     if (!m_open)
@@ -207,8 +234,9 @@ QString HistoryKeeper::save()
 QString HistoryKeeper::writeAnew()
 {
     const QString fresh = m_path + QLatin1String(".new");
-    QString problem = writeNew(fresh);
-    const QByteArray digest = problem.isEmpty() ? Journal::digestOf(fresh) : QByteArray();
+    const QByteArray content = serialized();
+    QString problem = writeNew(fresh, content);
+    const QByteArray digest = problem.isEmpty() ? Journal::digestOf(content) : QByteArray();
     if (problem.isEmpty() && !m_journal->announce(digest))
         problem = tr("%1.journal cannot be written; the disk may be full").arg(m_path);
     if (problem.isEmpty() && !replaceBy(fresh))
@@ -220,6 +248,7 @@ QString HistoryKeeper::writeAnew()
     const MutexLock lock(m_mutex);
     m_digest = digest;
     m_unstored.clear();
+    m_committed.clear();
     return {};
 }
 
@@ -238,14 +267,20 @@ void HistoryKeeper::beginJournalAnew(const QList<QJsonObject> &late)
         m_journal->append(entries, *m_digest);
 }
 
-// The library reports no failure of a save, so what it wrote is read back.
-QString HistoryKeeper::writeNew(const QString &path)
+QByteArray HistoryKeeper::serialized()
+{
+    const ControllerLock lock;
+    return historyfile::serialize(*m_controller.m_pHistory);
+}
+
+// The disk may have taken less than it was given, or other bytes.
+QString HistoryKeeper::writeNew(const QString &path, const QByteArray &content)
 {
     QFile::remove(path);
-    m_controller.SaveToFile(path);
+    historyfile::write(path, content);
     if (!QFileInfo::exists(path))
         return tr("%1 cannot be written").arg(path);
-    if (countTasks(path) != m_controller.count() || !disk::syncFile(path))
+    if (!disk::holds(path, content) || !disk::syncFile(path))
         return tr("%1 could not be written whole; the disk may be full").arg(path);
     return {};
 }

@@ -12,6 +12,7 @@
 #include <QSet>
 #include <QString>
 
+#include <future>
 #include <memory>
 #include <optional>
 
@@ -25,7 +26,7 @@ struct UpgradeFiles;
  *
  * Changes go to a journal beside the history, NAME.journal, before what they describe happens. The
  * history itself is rewritten when the journal has grown long, and by `save`: to NAME.new, which is
- * read back, flushed to disk and renamed over the history, whose last version stays as
+ * compared with what it should hold, flushed to disk and renamed over the history, whose last version stays as
  * NAME.previous. So history and journal together are whole at every moment, and a disk that is full
  * costs the save, not the history. When the program ends suddenly, the next `open` reads both, and
  * removes what was reserved for the tasks of the journal and never used.
@@ -47,8 +48,14 @@ public:
      */
     HistoryKeeper(CDown &controller, const QString &path, UnfinishedFiles unfinished = {},
                   QObject *parent = nullptr);
-    /** Saves what only the journal has, and gives the lock back. */
+    /** Finishes, and gives the lock back. */
     ~HistoryKeeper() override;
+
+    /**
+     * To be called before `open` by a program that is going to change tasks: what the first change
+     * needs is then made beside the loading.
+     */
+    void expectChanges();
 
     /**
      * Takes the lock and adds the stored tasks to the controller. Makes the folder when needed.
@@ -89,6 +96,13 @@ public:
     /** The upgrade has ended, either way; `commit` now takes the record as it is. */
     void endUpgrade(const QString &key);
 
+    /**
+     * Has every change on disk when it returns: in the journal while that is short beside the
+     * history, so that a few tasks among many do not cost a whole save. The next `open` takes them
+     * from there. @return as `save`
+     */
+    QString finish();
+
     /** Writes the whole history, and ends the journal. @return why it failed, in English; empty on
      * success: then nothing is lost, and history and journal on disk are as before */
     QString save();
@@ -99,6 +113,7 @@ signals:
 
 private:
     QString load();
+    bool loadTasks();
     QString setAside();
     QString setAsideForeignJournal();
     void replay(const QList<QJsonObject> &entries);
@@ -107,9 +122,12 @@ private:
     bool append(const QList<QJsonObject> &entries);
     void beginJournalAnew(const QList<QJsonObject> &late) VIDEODOWN_REQUIRES(m_mutex);
     QString writeAnew();
-    QString writeNew(const QString &path);
+    QByteArray serialized();
+    QString writeNew(const QString &path, const QByteArray &content);
     bool replaceBy(const QString &path);
     bool reportSave(const QString &problem);
+    bool isJournalShort() const;
+    QByteArray digest() VIDEODOWN_REQUIRES(m_mutex);
 
     CDown &m_controller;
     const QString m_path;
@@ -121,12 +139,15 @@ private:
     QHash<QString, QJsonObject> m_stored; // records as they are on disk, of tasks at work
     QSet<QString> m_atWork;               // tasks that the next opening has to look after
     QSet<QString> m_unstored;             // tasks whose changes could not be written
+    QSet<QString> m_committed;            // tasks that the history lacks changes of
+    bool m_expectsChanges = false;
     bool m_open = false;
     bool m_failing = false;
 
     AnnotatedMutex m_mutex;
     // Of the history on disk; made when it is needed.
     std::optional<QByteArray> m_digest VIDEODOWN_GUARDED_BY(m_mutex);
+    std::future<QByteArray> m_digestOfLoaded VIDEODOWN_GUARDED_BY(m_mutex); // being made
     // Entries of the upgrades that have not ended.
     QHash<QString, QJsonObject> m_upgrades VIDEODOWN_GUARDED_BY(m_mutex);
     // Sizes noted while the history is being saved.

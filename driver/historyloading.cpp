@@ -6,6 +6,7 @@
 #include "driver/journalentry.h"
 #include "driver/leftovers.h"
 #include "driver/recordtext.h"
+#include "history/historyfile.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -45,21 +46,39 @@ QString HistoryKeeper::load()
     const QFileInfo file(m_path);
     if (file.exists() && !file.isFile())
         return tr("%1 is not a file").arg(m_path);
-    // Beside the loading, which takes several times as long.
-    std::future<std::optional<int>> count;
-    if (file.exists()) {
-        count = std::async(std::launch::async, countTasks, m_path);
-        m_controller.LoadFromFile(m_path);
-    }
-    const bool intact = !count.valid() || count.get().has_value();
-    QList<QJsonObject> entries;
     const bool hasJournal = QFileInfo::exists(m_path + QLatin1String(".journal"));
-    const auto found =
-        hasJournal ? m_journal->open(Journal::digestOf(m_path), entries) : Journal::Found::Nothing;
+    if (file.exists() && (hasJournal || m_expectsChanges)) {
+        const MutexLock lock(m_mutex);
+        m_digestOfLoaded = std::async(std::launch::async, Journal::digestOfFile, m_path);
+    }
+    const bool intact = !file.exists() || loadTasks();
+    QList<QJsonObject> entries;
+    auto found = Journal::Found::Nothing;
+    if (hasJournal) {
+        const MutexLock lock(m_mutex);
+        found = m_journal->open(digest(), entries);
+    }
     if (found == Journal::Found::Foreign && intact)
         return setAsideForeignJournal();
     replay(entries); // of a damaged history it is the journal, whatever its digest
     return intact ? QString() : setAside();
+}
+
+// Whether the file was well-formed: only of what is not as a history is written is that asked anew.
+bool HistoryKeeper::loadTasks()
+{
+    CXMLHistory *history = nullptr;
+    {
+        const ControllerLock lock;
+        history = m_controller.m_pHistory;
+    }
+    const historyfile::Loaded loaded = historyfile::load(m_path, history);
+    {
+        const ControllerLock lock;
+        history->m_InfoList.append(loaded.tasks);
+    }
+    QFile file(m_path);
+    return loaded.isPlain || (file.open(QIODevice::ReadOnly) && isWellFormed(file));
 }
 
 // A second name rather than a new one: the history keeps a name at every moment.

@@ -59,7 +59,12 @@ Lines wholeLines(QFile &file)
 
 } // namespace
 
-QByteArray Journal::digestOf(const QString &historyPath)
+QByteArray Journal::digestOf(const QByteArray &history)
+{
+    return QCryptographicHash::hash(history, QCryptographicHash::Md5).toHex();
+}
+
+QByteArray Journal::digestOfFile(const QString &historyPath)
 {
     QFile file(historyPath);
     QCryptographicHash hash(QCryptographicHash::Md5);

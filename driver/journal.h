@@ -24,8 +24,10 @@
 class Journal
 {
 public:
-    /** Identifies the bytes of a history; empty for no file. */
-    static QByteArray digestOf(const QString &historyPath);
+    /** Identifies the bytes of a history. */
+    static QByteArray digestOf(const QByteArray &history);
+    /** The same for a file; empty for none. */
+    static QByteArray digestOfFile(const QString &historyPath);
 
     explicit Journal(QString path);
     ~Journal();

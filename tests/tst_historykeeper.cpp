@@ -241,11 +241,11 @@ private slots:
             // An end between the rename of a save and the removal of the journal.
             Journal copy(journal());
             QList<QJsonObject> entries;
-            QCOMPARE(copy.open(Journal::digestOf(m_path), entries), Journal::Found::Entries);
+            QCOMPARE(copy.open(Journal::digestOfFile(m_path), entries), Journal::Found::Entries);
             taskOf(first.controller, u"one"_s)->Progress = 8;
             first.controller.SaveToFile(m_folder->filePath(u"next"_s));
             next = contentOf(m_folder->filePath(u"next"_s));
-            QVERIFY(copy.announce(Journal::digestOf(m_folder->filePath(u"next"_s))));
+            QVERIFY(copy.announce(Journal::digestOfFile(m_folder->filePath(u"next"_s))));
             lines = contentOf(journal());
         }
         QFile::remove(m_path);
@@ -362,6 +362,35 @@ private slots:
     }
 
     // What cannot be written now is written with the next change.
+    // A few changes among many tasks stay in the journal at the end; many are worth a save.
+    void endWritesWhatIsShort()
+    {
+        for (const bool isShort : {true, false}) {
+            {
+                Application first(m_path);
+                for (int i = 0; i < 100; ++i)
+                    addTask(first.controller, QString::number(i));
+                QCOMPARE(first.keeper.save(), QString());
+            }
+            const QByteArray before = contentOf(m_path);
+            {
+                Application second(m_path);
+                QStringList titles;
+                for (int i = 0; i < (isShort ? 2 : 50); ++i)
+                    titles << QString::number(i);
+                QVERIFY(second.commit(titles));
+                taskOf(second.controller, u"1"_s)->Progress = isShort ? 7 : 8;
+                QCOMPARE(second.keeper.finish(), QString());
+                QCOMPARE(contentOf(m_path) == before, isShort);
+                QCOMPARE(QFile::exists(journal()), isShort);
+            }
+            Application third(m_path);
+            QCOMPARE(taskOf(third.controller, u"1"_s)->Progress, isShort ? 7 : 8);
+            QFile::remove(m_path);
+            QFile::remove(journal());
+        }
+    }
+
     void failedCommitIsToldAndRepeated()
     {
         int told = 0;

@@ -140,7 +140,7 @@ ExitStatus Session::run(const QList<DownloadRequest> &requests)
     QEventLoop loop;
     connect(&m_session, &DownloadSession::idle, &loop, &QEventLoop::quit);
     loop.exec();
-    const bool saved = commandhistory::reportProblem(m_session.save());
+    const bool saved = commandhistory::reportProblem(m_session.finish());
     if (!m_line.quiet && m_line.command != Command::Formats)
         announceSummary();
     if (m_failed + m_stopped > 0 || m_outputBroken || !saved)
