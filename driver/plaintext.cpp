@@ -5,6 +5,8 @@
 
 #include <QRegularExpression>
 
+#include <algorithm>
+
 namespace plaintext {
 
 namespace {
@@ -12,9 +14,16 @@ namespace {
 bool isControl(QChar character)
 {
     const char16_t code = character.unicode();
+    if (code >= 0x20 && code < 0x7f) // nearly all are
+        return false;
     const bool separator = code == 0x2028 || code == 0x2029;
     const bool direction = (code >= 0x202a && code <= 0x202e) || (code >= 0x2066 && code <= 0x2069);
     return character.category() == QChar::Other_Control || separator || direction;
+}
+
+bool isOrdinary(QChar character)
+{
+    return !character.isSurrogate() && !isControl(character);
 }
 
 bool isPair(const QString &text, qsizetype at)
@@ -31,6 +40,8 @@ QString cleanedAsName(const QString &text)
 
 QString withoutControls(const QString &text, QChar replacement)
 {
+    if (std::all_of(text.cbegin(), text.cend(), isOrdinary))
+        return text;
     QString result;
     result.reserve(text.size());
     for (qsizetype i = 0; i < text.size(); ++i) {
