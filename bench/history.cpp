@@ -1,4 +1,6 @@
 // Saving and loading the history beside a plain program that builds, writes and walks the same DOM.
+#include "driver/historykeeper.h"
+#include "history/historyfile.h"
 #include "samplehistory.h"
 
 #include <QDomDocument>
@@ -105,10 +107,36 @@ void loadPeer(State &state)
         benchmark::DoNotOptimize(loadThroughDom(sample.path));
 }
 
+// On tmpfs: what a disk takes to sync is not the keeper's.
+void saveByKeeper(State &state)
+{
+    const QTemporaryDir folder(QStringLiteral("/dev/shm/videodown-keeper-XXXXXX"));
+    CDown controller(nullptr);
+    HistoryKeeper keeper(controller, folder.filePath(QStringLiteral("history.xml")));
+    QString problem = keeper.open();
+    {
+        const ControllerLock lock;
+        addTasks(*controller.m_pHistory, int(state.range(0)));
+    }
+    while (state.KeepRunning() && problem.isEmpty())
+        problem = keeper.save();
+    if (!problem.isEmpty())
+        state.SkipWithError(problem.toUtf8().constData());
+}
+
+void serializeOnly(State &state)
+{
+    const Sample sample(state);
+    while (state.KeepRunning())
+        benchmark::DoNotOptimize(historyfile::serialize(sample.history));
+}
+
 constexpr auto unit = benchmark::kMillisecond;
 
 BENCHMARK(saveOurs)->Name("save/ours")->Arg(10000)->Unit(unit);
 BENCHMARK(savePeer)->Name("save/peer")->Arg(10000)->Unit(unit);
+BENCHMARK(saveByKeeper)->Name("keeper/ours")->Arg(10000)->Unit(unit);
+BENCHMARK(serializeOnly)->Name("keeper/peer")->Arg(10000)->Unit(unit);
 BENCHMARK(loadOurs)->Name("load/ours")->RangeMultiplier(10)->Range(1000, 100000)->Unit(unit);
 BENCHMARK(loadPeer)->Name("load/peer")->Arg(10000)->Unit(unit);
 

@@ -103,7 +103,7 @@ END {
         printf "| %s | %s | %s | %s |\n", field[2], spread("memory"), field[3] == "" ? "" : field[3] " MiB", met(middle / 1024, wanted)
     }
 
-    print "\n| window | median (least to most) | wanted at most | met |"
+    print "\n| what | median (least to most) | wanted at most | met |"
     print "| --- | --- | --- | --- |"
     for (l = 1; l <= limits; ++l) {
         split(limit[l], field, "\t")
