@@ -26,10 +26,10 @@ struct UpgradeFiles;
  *
  * Changes go to a journal beside the history, NAME.journal, before what they describe happens. The
  * history itself is rewritten when the journal has grown long, and by `save`: to NAME.new, which is
- * compared with what it should hold, flushed to disk and renamed over the history, whose last version stays as
- * NAME.previous. So history and journal together are whole at every moment, and a disk that is full
- * costs the save, not the history. When the program ends suddenly, the next `open` reads both, and
- * removes what was reserved for the tasks of the journal and never used.
+ * compared with what it should hold, flushed to disk and renamed over the history, whose last
+ * version stays as NAME.previous. So history and journal together are whole at every moment, and a
+ * disk that is full costs the save, not the history. When the program ends suddenly, the next
+ * `open` reads both, and removes what was reserved for the tasks of the journal and never used.
  *
  * A history that is not well-formed XML is first set aside as NAME.damaged-DATE, then what could be
  * read of it is kept. A journal of another history is set aside alike.
