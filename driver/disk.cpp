@@ -50,7 +50,7 @@ bool holds(const QString &path, const QByteArray &bytes)
     constexpr qsizetype blockSize = 256 * 1024;
     QByteArray block(blockSize, Qt::Uninitialized);
     for (qsizetype at = 0; at < bytes.size();) {
-        const qint64 size = file.read(block.data(), blockSize);
+        const auto size = qsizetype(file.read(block.data(), blockSize));
         if (size <= 0 || size > bytes.size() - at ||
             !std::equal(block.cbegin(), block.cbegin() + size, bytes.cbegin() + at))
             return false;

@@ -110,7 +110,7 @@ private:
         const qsizetype left = m_end - m_at;
         m_block.remove(0, m_block.size() - left);
         m_block.resize(left + qMax(left, m_blockSize));
-        const qint64 size = m_file.read(m_block.data() + left, m_block.size() - left);
+        const auto size = qsizetype(m_file.read(m_block.data() + left, m_block.size() - left));
         m_block.resize(left + qMax<qsizetype>(size, 0));
         m_at = m_block.constData();
         m_end = m_at + m_block.size();

@@ -19,7 +19,7 @@ namespace historyfile {
  * that form, for then only a general parser can tell what the file holds
  */
 std::optional<QList<CXMLInfo *>> plainTasks(QIODevice &file, CXMLHistory *history,
-                                            qsizetype blockSize = 256 * 1024);
+                                            qsizetype blockSize = 262144);
 
 } // namespace historyfile
 
