@@ -47,7 +47,7 @@ bool holds(const QString &path, const QByteArray &bytes)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered) || file.size() != bytes.size())
         return false;
-    constexpr qsizetype blockSize = 256 * 1024;
+    constexpr qsizetype blockSize = 262144;
     QByteArray block(blockSize, Qt::Uninitialized);
     for (qsizetype at = 0; at < bytes.size();) {
         const auto size = qsizetype(file.read(block.data(), blockSize));
