@@ -2,9 +2,9 @@
 #include "driver/dispatcher.h"
 
 #include "driver/outputname.h"
-#include "driver/plaintext.h"
 #include "driver/taskrecord.h"
 #include "driver/texts.h"
+#include "driver/videoanswer.h"
 
 #include <cmath>
 #include <utility>
@@ -16,27 +16,6 @@ constexpr qsizetype taskKeyLength = 32;
 qint64 wholeNumber(double value)
 {
     return value > 0 && value < 9e18 ? qint64(value) : 0;
-}
-
-// A field that the library does not keep; empty when the response has none.
-QString fieldOf(const QString &videoInfoText, QLatin1String key)
-{
-    for (const QString &line : videoInfoText.split(u'\n')) {
-        if (line.startsWith(key))
-            return plaintext::withoutControls(line.mid(key.size())).trimmed();
-    }
-    return {};
-}
-
-FailureReason nothingOffered(const QString &videoInfoText, const QString &advice)
-{
-    const QString reason = fieldOf(videoInfoText, QLatin1String("reason="));
-    if (!reason.isEmpty() && !fieldOf(videoInfoText, QLatin1String("answered_by=")).isEmpty())
-        return {Texts::tr("the site has no video info, and the extractor says: %1").arg(reason),
-                advice};
-    return {reason.isEmpty() ? Texts::tr("the site offers no formats of this video")
-                             : Texts::tr("the site refuses this video: %1").arg(reason),
-            advice};
 }
 
 } // namespace

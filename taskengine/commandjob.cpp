@@ -1,6 +1,7 @@
 #include "taskengine/commandjob.h"
 
 #include "taskengine/address.h"
+#include "taskengine/commandoutput.h"
 #include "taskengine/videoinfosource.h"
 
 #include <algorithm>
@@ -55,20 +56,32 @@ void CommandJob::work(Clock::time_point now)
 
 void CommandJob::conclude(int status)
 {
-    std::string lines = linesOfCommand(m_output);
-    headers().take(request().record.szTaskKey, lines);
-    if (m_isFallback)
-        lines += "answered_by=command\r\n";
-    if (m_isFallback && lines.find("fmt_stream_map=") != std::string::npos)
-        context().mutes.insert(hostOf(request().record.szPageURL));
     if (status == notFoundStatus)
         fail(permanent(Failure::CommandNotFound));
     else if (status != 0)
         fail(permanent(Failure::CommandFailed));
-    else if (lines.empty())
-        fail(permanent(Failure::UnusableOutput));
     else
-        finish({DOWN_STATE_PARSE_SUCCESS, 0, std::move(lines), {}});
+        deliver();
+}
+
+void CommandJob::deliver()
+{
+    std::string lines = linesOfCommand(m_output);
+    const std::string name = m_isFallback ? "fallback" : "command";
+    const auto mistake = mistakeIn(m_output);
+    if (lines.empty() && (!mistake || mistake->line == 0)) {
+        fail(permanent(Failure::UnusableOutput));
+        return;
+    }
+    if (mistake) {
+        lines = linesFor(*mistake);
+    } else {
+        headers().take(request().record.szTaskKey, lines);
+        if (m_isFallback && lines.find("fmt_stream_map=") != std::string::npos)
+            context().mutes.insert(hostOf(request().record.szPageURL));
+        lines = signedLines(std::move(lines), name);
+    }
+    finish({DOWN_STATE_PARSE_SUCCESS, 0, lines + "answered_by=" + name + "\r\n", {}});
 }
 
 void CommandJob::setPaused(bool paused)

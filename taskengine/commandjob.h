@@ -27,6 +27,7 @@ private:
     void work(Clock::time_point now) override;
     void setPaused(bool paused) override;
     void conclude(int status);
+    void deliver();
     bool hasTimeLimit() const { return options().commandTimeLimit.count() > 0; }
 
     const std::vector<std::string> m_command;

@@ -73,13 +73,30 @@ struct Options
      * "key=value" lines; the page address is added as last argument. Run without a shell, with
      * nothing on standard input, in a process group of its own that is killed with it. Empty: the
      * site is asked itself.
+     *
+     * What it prints is judged before anybody relies on it. The lines that are delivered say in
+     * "answered_by=command" who has answered, as does a further field, "by=command", of the first
+     * entry in "fmt_list=". In the place of output that would have the wrong file fetched, or none,
+     * come empty lists and the line "command_fault=LINE KIND DETAIL": where the first mistake is
+     * (0: something is missing), one of these words, and the text that it is about.
+     *
+     *  - encoding: the line is not UTF-8
+     *  - blanks: there are blanks before the key, or around the equals sign
+     *  - size: the entry of "fmt_list" is not of the form N/WIDTHxHEIGHT
+     *  - container: the number of the entry stands for no container
+     *  - comma: the entry of "fmt_stream_map" does not begin with a number and a bar
+     *  - bar: the entry has more than one bar
+     *  - address: the entry has no address of HTTP or HTTPS, or one that is too long
+     *  - single: the number is only in one of the two lists
+     *  - missing: there is no line with this key; not where "status=fail" or a reason stands
      */
     std::vector<std::string> videoInfoCommand;
     /**
      * A command of the same kind for pages whose site has no video-info response: its answer is
      * refused (4xx), empty, too large, or without any field, or the page's address names no video.
-     * When the command knows streams, the host is not asked again while the engine runs. Empty:
-     * there is none. Not used beside `videoInfoCommand`.
+     * When the command knows streams, the host is not asked again while the engine runs. Its lines
+     * are treated as those of `videoInfoCommand`, with the word "fallback" in the place of
+     * "command". Empty: there is none. Not used beside `videoInfoCommand`.
      */
     std::vector<std::string> fallbackCommand;
     /** How long a command may run, pauses not counted. */

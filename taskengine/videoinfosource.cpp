@@ -97,11 +97,18 @@ bool isKeyCharacter(char character)
            std::string_view("_-.[]").find(character) != std::string_view::npos;
 }
 
+/** Lines that the engine writes itself. */
+bool isOwnKey(std::string_view key)
+{
+    return key == "answered_by" || key == "command_fault";
+}
+
 /** Takes only what has the form of a field, so that the text of a page yields no line. */
 void appendLine(std::string &lines, std::string line)
 {
     const std::size_t keyLength = line.find('=');
     if (keyLength == std::string::npos || keyLength == 0 ||
+        isOwnKey(std::string_view(line).substr(0, keyLength)) ||
         !std::all_of(line.begin(), line.begin() + static_cast<std::ptrdiff_t>(keyLength),
                      isKeyCharacter))
         return;
@@ -141,7 +148,11 @@ std::string linesOfCommand(const std::string &output)
 {
     std::string result;
     result.reserve(output.size());
-    forEachPiece(output, "\r\n",
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    std::string_view text = output;
+    if (text.substr(0, byteOrderMark.size()) == byteOrderMark)
+        text.remove_prefix(byteOrderMark.size());
+    forEachPiece(text, "\r\n",
                  [&result](std::string_view line) { appendLine(result, std::string(line)); });
     return result;
 }

@@ -237,7 +237,7 @@ private slots:
         const QString example = QStringLiteral(VIDEODOWN_EXAMPLES) + u"/extractor"_s;
         QCOMPARE(run({u"get"_s, u"--video-info-command"_s, example, page("small-4")}).code, 0);
         QCOMPARE(contents(path("Video small-4.flv")), smallVideo(4, 34));
-        for (const char *bad : {"echo hello", "echo status=fail"}) {
+        for (const char *bad : {"echo hello", "echo status=fail", "echo fmt_list=43/1x1"}) {
             const Ended failed = run({u"get"_s, page("small-3"), u"--video-info-command"_s,
                                       u"sh -c '%1'"_s.arg(QString::fromLatin1(bad))});
             QCOMPARE(failed.code, 1);

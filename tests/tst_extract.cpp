@@ -143,7 +143,7 @@ private slots:
                 with(with(with(with(mp4, "title", 7), "uploader", QJsonArray()), "duration", 1e300),
                      "thumbnail", true))
                 .toJson(),
-            lists);
+            "title=video\n" + lists);
         row("playlist",
             R"({"_type":"playlist","entries":[null,{"_type":"playlist","entries":[)" +
                 withFormats({mp4}) + "]}]}",

@@ -34,8 +34,8 @@ private slots:
         row("not found", 404, "title=a", "", Failure{404});
         const int command = 0; // runs the body
         row("page is the last argument", command,
-            R"(echo "title=$1"; echo; printf 'x=a\000b\r\n'; echo no field; cat)",
-            "title=http://127.0.0.1/;$(x)\r\nx=a b\r\n", none);
+            R"(echo "title=$1"; echo; printf 'x=a\000b\r\n'; echo no field; echo reason=r; cat)",
+            "title=http://127.0.0.1/;$(x)\r\nx=a b\r\nreason=r\r\nanswered_by=command\r\n", none);
         row("error status", command, "echo title=a; exit 3", "", Failure::CommandFailed);
         row("silent", command, "echo oops >&2", "", Failure::UnusableOutput);
         row("no fields", command, "echo hello", "", Failure::UnusableOutput);
@@ -66,6 +66,54 @@ private slots:
             compareEnd("page", DOWN_STATE_PARSE_SUCCESS, static_cast<double>(text.size()));
         QCOMPARE(m_log->end("page").text, text);
         QCOMPARE(m_log->events("page").first().code, DOWN_STATE_START_PARSE);
+    }
+
+    void mistakes_data()
+    {
+        const auto row = table<std::string, std::string>("output", "fault");
+        const std::string lists = "fmt_list=18/640x360\nfmt_stream_map=18|http://h/a\n";
+        const std::string good = "title=T\n" + lists;
+        row("none", "\xEF\xBB\xBF" + good, "");
+        row("odd but good", "title= \xF0\x9D\x84\x9E\n x = 1\n\nfmt_list=18/1x1/9/0\r\n" + lists,
+            "");
+        row("a refusal", "status=fail\nreason=", "");
+        row("container", "title=T\nfmt_list=43/640x360", "2 container 43/640x360");
+        row("container of a stream", good + "fmt_stream_map=018|http://h/a",
+            "4 container 018|http://h/a");
+        row("size", good + "fmt_list=18/640", "4 size 18/640");
+        row("comma", good + "fmt_stream_map=18|http://h/a,b.mp4", "4 comma b.mp4");
+        row("bar", good + "fmt_stream_map=18|http://h/a|b", "4 bar 18|http://h/a|b");
+        row("address", good + "fmt_stream_map=18|/a", "4 address 18|/a");
+        row("long address", good + "fmt_stream_map=18|http://h/" + std::string(1100, 'a'),
+            "4 address 18|http://h/" + std::string(68, 'a') + "...");
+        row("single", good + "\nfmt_list=18/1x1,22/2x2", "5 single 22");
+        row("single stream", good + "fmt_list=22/2x2", "4 single 22");
+        row("no list", "title=T\nfmt_stream_map=18|http://h/a", "0 missing fmt_list");
+        row("no streams", "title=T\nfmt_list=18/1x1", "0 missing fmt_stream_map");
+        row("no title", lists + "title=\t", "0 missing title");
+        row("blank before the sign", good + "title =x", "4 blanks title =x");
+        row("blank behind the sign", good + "fmt_list= 18/1x1", "4 blanks fmt_list= 18/1x1");
+        row("blank before the key", " title=T\n" + lists, "1 blanks  title=T");
+        row("Latin-1", "x\ntitle=\xE9t\xE9\n" + lists, "2 encoding ");
+        row("surrogate", "title=\xED\xA0\x80\n" + lists, "1 encoding ");
+        row("cut character", "title=\xE2\x82", "1 encoding ");
+    }
+
+    /** What a command has wrong is told with its line, and none of it goes on. */
+    void mistakes()
+    {
+        QFETCH(const std::string, output);
+        QFETCH(const std::string, fault);
+        m_options.videoInfoCommand = {"printf", "%s\n", output};
+        taskengine::setOptions(m_options);
+        QCOMPARE(ParseVideoInfo(m_log->parse("page", "http://127.0.0.1/")), 0);
+        const std::string text = m_log->end("page").text;
+        const std::string told = "fmt_list=\r\nfmt_stream_map=\r\ncommand_fault=" + fault + "\r\n";
+        QCOMPARE(text.substr(0, text.rfind("answered_by=command\r\n")),
+                 fault.empty() ? text.substr(0, text.rfind("answered_by=")) : told);
+        QCOMPARE(text.find("command_fault=") != std::string::npos, !fault.empty());
+        const bool isSigned = text.find("x360/by=command\r\n") != std::string::npos;
+        QCOMPARE(isSigned, fault.empty() && output.find("x360") != std::string::npos);
     }
 
     void videoInfoAddress_data()
@@ -137,7 +185,8 @@ private slots:
         QFETCH(const std::string, body);
         QFETCH(const std::string, answers);
         const bool fails = body == "status=fail";
-        m_options.fallbackCommand = {"printf", "%s\\n", fails ? body : "fmt_stream_map=18|x"};
+        const std::string offer = "title=a\nfmt_list=18/1x1\nfmt_stream_map=18|http://h/";
+        m_options.fallbackCommand = {"printf", "%s\\n", fails ? body : offer};
         taskengine::setOptions(m_options);
         misbehave([&](Misbehaviour &fault) {
             fault.answer = SiteAnswer{status, "text/html", {}, fails ? "" : body};
@@ -146,7 +195,7 @@ private slots:
         for (const std::string key : {"1", "2"}) {
             QCOMPARE(ParseVideoInfo(m_log->parse(key, m_site->pageAddress(key))), 0);
             const LoggedEvent end = m_log->end(key);
-            const bool byCommand = end.text.find("answered_by=command") != std::string::npos;
+            const bool byCommand = end.text.find("answered_by=fallback") != std::string::npos;
             answered += end.code == DOWN_STATE_PARSE_FAIL ? "none" : byCommand ? "command" : "site";
             answered += key == "1" ? " " : "";
             QCOMPARE(m_log->count(key, DOWN_STATE_START_PARSE), 1);
@@ -176,6 +225,8 @@ private slots:
                                       "request_header=Range: bytes=1-",
                                       "request_header=X Y: z",
                                       "request_header=Z:",
+                                      "title=a",
+                                      "fmt_list=18/1x1,34/1x1",
                                       "fmt_stream_map=18|http://none/,34|" + server.address()};
         taskengine::setOptions(m_options);
         QCOMPARE(ParseVideoInfo(m_log->parse("key", "http://127.0.0.1/a")), 0);

@@ -3,6 +3,7 @@
 #include "commandhistory.h"
 #include "driver/conversions.h"
 #include "driver/taskrecord.h"
+#include "driver/videoanswer.h"
 #include "jsonline.h"
 #include "standardstreams.h"
 #include "terminaltext.h"
@@ -83,12 +84,16 @@ QByteArray asJson(const CXMLInfo &record, const QDomElement &task, const QJsonOb
     object.insert(QStringLiteral("profile"),
                   asJson(task.firstChildElement(QStringLiteral("Profile"))));
     object.insert(QStringLiteral("conversion"), conversion);
+    object.insert(QStringLiteral("videoInfoFrom"), answerSourceName(answerSourceOf(record)));
     return jsonline::of(object);
 }
 
 QByteArray asText(const CXMLInfo &record, const QDomElement &task, const QJsonObject &conversion)
 {
     QString text = QStringLiteral("state: %1\n").arg(stateOf(record));
+    const QString source = answerSourceName(answerSourceOf(record));
+    if (!source.isEmpty())
+        text += QStringLiteral("video info from: %1\n").arg(source);
     text += asText(task, {}) + QStringLiteral("Profile:\n");
     text += asText(task.firstChildElement(QStringLiteral("Profile")), QStringLiteral("  "));
     text += QStringLiteral("conversion:\n");

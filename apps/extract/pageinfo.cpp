@@ -135,6 +135,17 @@ void readFormats(const QJsonObject &video, PageInfo &info)
         info.obstacle = obstacleTo(video, !formats.isEmpty());
 }
 
+// Every video that can be had has some name.
+QString titleOf(const QJsonObject &video, bool hasFormats)
+{
+    for (const char *name : {"title", "fulltitle", "id"}) {
+        QString title = textOf(video, name);
+        if (!title.trimmed().isEmpty())
+            return title;
+    }
+    return hasFormats ? QStringLiteral("video") : QString();
+}
+
 void collectPages(const QJsonObject &page, QStringList &pages, int level = 0)
 {
     if (isList(page) && level < mostLevels) {
@@ -168,12 +179,12 @@ std::optional<PageInfo> read(const QByteArray &json)
         return std::nullopt;
     const QJsonObject video = videoIn(*page);
     PageInfo info;
-    info.title = textOf(video, "title");
     info.author = textOf(video, "uploader");
     info.thumbnail = addressOf(video, "thumbnail");
     const double seconds = video.value(QLatin1String("duration")).toDouble();
     info.seconds = seconds > 0 && seconds < 1e9 ? std::llround(seconds) : 0;
     readFormats(video, info);
+    info.title = titleOf(video, !info.formats.isEmpty());
     return info;
 }
 
