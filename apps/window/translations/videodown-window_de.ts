@@ -1030,6 +1030,54 @@
         <translation>„%1“ kann nicht umbenannt werden; das Video heißt jetzt „%2“</translation>
     </message>
     <message>
+        <source>it is not UTF-8</source>
+        <translation>sie ist nicht in UTF-8</translation>
+    </message>
+    <message>
+        <source>there are blanks before the key or around the equals sign: &quot;%1&quot;</source>
+        <translation>vor dem Schlüssel oder um das Gleichheitszeichen stehen Leerzeichen: „%1“</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is not of the form N/WIDTHxHEIGHT</source>
+        <translation>„%1“ hat nicht die Form N/BREITExHÖHE</translation>
+    </message>
+    <message>
+        <source>the number of &quot;%1&quot; stands for no container: 18, 22, 37 and 38 are MP4, 5, 34 and 35 are FLV</source>
+        <translation>die Nummer von „%1“ steht für keinen Container: 18, 22, 37 und 38 sind MP4, 5, 34 und 35 sind FLV</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; does not begin with a number and a bar: a comma inside an address is written %2</source>
+        <translation>„%1“ beginnt nicht mit einer Nummer und einem senkrechten Strich: ein Komma in einer Adresse schreibt man %2</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; has a second bar: a bar inside an address is written %2</source>
+        <translation>„%1“ hat einen zweiten senkrechten Strich: in einer Adresse schreibt man ihn %2</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; has no address of HTTP or HTTPS with at most 1023 bytes</source>
+        <translation>„%1“ hat keine HTTP- oder HTTPS-Adresse von höchstens 1023 Bytes</translation>
+    </message>
+    <message>
+        <source>the format %1 is only in one of fmt_list and fmt_stream_map</source>
+        <translation>das Format %1 steht nur in einer der Listen fmt_list und fmt_stream_map</translation>
+    </message>
+    <message>
+        <source>there is no line &quot;%1=...&quot;</source>
+        <translation>die Zeile „%1=...“ fehlt</translation>
+    </message>
+    <message>
+        <source>line %1: %2</source>
+        <translation>Zeile %1: %2</translation>
+    </message>
+    <message>
+        <source>a mistake in what the video-info command prints: %1</source>
+        <translation>ein Fehler in der Ausgabe des Video-Info-Befehls: %1</translation>
+    </message>
+    <message>
+        <source>Run the command by hand with this address to see what it says.</source>
+        <translation>Rufen Sie den Befehl mit dieser Adresse von Hand auf, um zu sehen, was er meldet.</translation>
+    </message>
+    <message>
         <source>the site has no video info, and the extractor says: %1</source>
         <translation>die Seite hat keine Videoangaben, und der Extraktor meldet: %1</translation>
     </message>
