@@ -1,5 +1,6 @@
 #include "enginesettings.h"
 
+#include "driver/extractor.h"
 #include "enginetexts.h"
 #include "taskengine/failure.h"
 #include "taskengine/options.h"
@@ -31,8 +32,14 @@ void configureEngine(const Settings &settings)
 {
     taskengine::Options options = taskengine::options();
     options.videoInfoCommand.clear();
-    for (const QString &word : QProcess::splitCommand(settings.videoInfoCommand))
-        options.videoInfoCommand.push_back(word.toLocal8Bit().toStdString());
+    options.fallbackCommand.clear();
+    const QString extractor = settings.asksExtractor() ? extractor::findProgram() : QString();
+    if (!extractor.isEmpty())
+        options.fallbackCommand = {QFile::encodeName(extractor).toStdString()};
+    if (settings.hasVideoInfoCommand()) {
+        for (const QString &word : QProcess::splitCommand(settings.videoInfoCommand))
+            options.videoInfoCommand.push_back(word.toLocal8Bit().toStdString());
+    }
     taskengine::setOptions(options);
 }
 

@@ -89,6 +89,17 @@ void Settings::save(QSettings &stored) const
         stored.setValue(QLatin1String(key), value);
 }
 
+bool Settings::asksExtractor() const
+{
+    const QString source = videoInfoCommand.trimmed();
+    return source.isEmpty() || source == QLatin1String("auto");
+}
+
+bool Settings::hasVideoInfoCommand() const
+{
+    return !asksExtractor() && videoInfoCommand.trimmed() != QLatin1String("site");
+}
+
 Profile_Desc Settings::profile() const
 {
     Profile_Desc profile;

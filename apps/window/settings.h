@@ -31,7 +31,8 @@ struct Settings
     bool convert = false;    ///< convert what the site does not offer in the wanted format
     bool thumbnails = true;
     ProxySettings proxy;
-    QString videoInfoCommand; ///< empty: the site itself is asked
+    /** A command, or "site": only the site is asked; or empty or "auto": then the extractor too. */
+    QString videoInfoCommand;
     bool trayIcon = false;
     bool notify = true; ///< when the last task ends and the window is not in front
 
@@ -40,6 +41,10 @@ struct Settings
     /** Writes everything but the proxy's password. */
     void save(QSettings &stored) const;
 
+    /** Whether the extractor is asked where a site has no answer. */
+    bool asksExtractor() const;
+    /** Whether a command is asked in the place of the sites. */
+    bool hasVideoInfoCommand() const;
     /** What the settings wish for a video. */
     Profile_Desc profile() const;
     /** A request for an address with these folders and wishes. */

@@ -84,9 +84,12 @@ QWidget *SettingsDialog::Widgets::makeNetwork(const Settings &settings, bool kee
         form->addRow(new QLabel(SettingsDialog::tr(
             "There is no keyring: the password is kept until the program ends.")));
     command = new QLineEdit(settings.videoInfoCommand);
+    command->setPlaceholderText(QStringLiteral("auto"));
     command->setToolTip(SettingsDialog::tr(
-        "Gets the address of a page as its last argument and prints what the site offers."));
-    form->addRow(SettingsDialog::tr("Video-info &command:"), command);
+        "\"auto\": the site is asked, then yt-dlp, if it is installed; \"site\": only the site. "
+        "Anything else is a command: it gets the address of a page as its last argument and prints "
+        "what the site offers."));
+    form->addRow(SettingsDialog::tr("Video &info:"), command);
     return page;
 }
 

@@ -716,12 +716,12 @@
         <translation>Es gibt keinen Schlüsselbund: Das Passwort bleibt bis zum Ende des Programms gespeichert.</translation>
     </message>
     <message>
-        <source>Gets the address of a page as its last argument and prints what the site offers.</source>
-        <translation>Bekommt die Adresse einer Seite als letztes Argument und gibt aus, was die Seite anbietet.</translation>
+        <source>&quot;auto&quot;: the site is asked, then yt-dlp, if it is installed; &quot;site&quot;: only the site. Anything else is a command: it gets the address of a page as its last argument and prints what the site offers.</source>
+        <translation>„auto“: gefragt wird die Seite, dann yt-dlp, falls installiert; „site“: nur die Seite. Alles andere ist ein Befehl: Er bekommt die Adresse einer Seite als letztes Argument und gibt aus, was die Seite anbietet.</translation>
     </message>
     <message>
-        <source>Video-info &amp;command:</source>
-        <translation>Befehl für Video&amp;angaben:</translation>
+        <source>Video &amp;info:</source>
+        <translation>Video&amp;angaben:</translation>
     </message>
     <message>
         <source>Give the whole path of the folder.</source>
