@@ -87,7 +87,9 @@ void Job::fail(const Fault &fault)
 
 bool Job::mayTryAgain(const Fault &fault) const
 {
-    const std::int32_t tries = std::clamp(m_request->record.nEngineParam2, 1, mostTries);
+    const std::int32_t wanted =
+        options().tries > 0 ? options().tries : m_request->record.nEngineParam2;
+    const std::int32_t tries = std::clamp(wanted, 1, mostTries);
     return fault.transient && m_try < tries && isWorthRetrying(fault);
 }
 

@@ -4,13 +4,14 @@
  *
  * Fields of a request as this engine reads them:
  *
- *  - `nEngineParam2`: tries in all, 1 to 100 (smaller counts as 1, greater as 100).
+ *  - `nEngineParam2`: tries in all, 1 to 100 (smaller counts as 1, greater as 100);
+ *    `Options::tries` comes first.
  *  - `nEngineParam3`: milliseconds before the second try; doubles with each further one, at most
  *    30 s. A site's Retry-After takes its place when it is longer, with the same limit.
  *  - `nEngineParam1`, `nReserved1`, `nReserved2`, `nTaskType`: not read. What kind of request it is
  *    is decided by the function that takes it.
  *  - `nProxySet`: 1 sends the request through the proxy of `proxyParam`; anything else sends it
- *    directly. Proxies named in the environment are never used.
+ *    directly, unless `Options::proxyFromEnvironment` is set.
  *  - `proxyParam.szProxyText1`: host name or address, without scheme and port.
  *  - `proxyParam.nProxyValue1`: port, 1 to 65535.
  *  - `proxyParam.nProxyValue2`: a `ProxyType`.
@@ -117,6 +118,18 @@ struct Options
     std::size_t responseLimit = std::size_t{2} << 20;
     /** Most bytes of an image. */
     std::size_t imageLimit = std::size_t{32} << 20;
+    /** Tries of every request in all, 1 to 100; 0: as many as its `nEngineParam2` says. */
+    int tries = 0;
+    /**
+     * User-Agent of all requests; empty for none. Requests for streams and images also have the
+     * page as Referer. A `request_header` line of a video-info command overrules both.
+     */
+    std::string userAgent = "Mozilla/5.0 (compatible; videodown/0.1)";
+    /**
+     * Sends requests without a proxy of their own through those that `http_proxy`, `https_proxy`
+     * and `all_proxy` name, but for the hosts in `no_proxy`, as libcurl understands them.
+     */
+    bool proxyFromEnvironment = false;
     /** PEM file of the authorities to trust in the place of the system's; empty for those. */
     std::string caFile;
 };

@@ -149,6 +149,17 @@ std::vector<std::string> RequestHeaders::fieldsFor(const Request &request,
     return isForIt ? entry->fields : std::vector<std::string>();
 }
 
+std::string refererFor(const std::string &page, const std::string &address)
+{
+    const Origin from = originOf(page);
+    const Address referer = parsedAddress(page);
+    if (from.host.empty() || (from.isSecure && !originOf(address).isSecure))
+        return {};
+    for (const CURLUPart part : {CURLUPART_USER, CURLUPART_PASSWORD, CURLUPART_FRAGMENT})
+        curl_url_set(referer.get(), part, nullptr, 0);
+    return addressPart(referer, CURLUPART_URL);
+}
+
 bool isSameHost(const std::string &from, const std::string &to)
 {
     const Origin one = originOf(from);

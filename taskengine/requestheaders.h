@@ -45,6 +45,12 @@ private:
 };
 
 /**
+ * The page that a stream or an image belongs to, as browsers name it in Referer: without user,
+ * password and fragment, and not at all for an insecure address (RFC 9110, section 10.1.3).
+ */
+std::string refererFor(const std::string &page, const std::string &address);
+
+/**
  * Whether fields for the one address may be sent to the other as well: the same host and, unless
  * both are the usual ones, port; and no step from HTTPS to HTTP.
  */

@@ -15,7 +15,6 @@ constexpr std::size_t smallestBuffer = 4096;
 constexpr long mostRedirects = 10;
 constexpr std::size_t mostHeaderBytes = std::size_t{256} * 1024;
 constexpr const char *protocols = "http,https";
-constexpr const char *userAgent = "videodown/0.1";
 
 long proxyType(std::int32_t type)
 {
@@ -94,8 +93,7 @@ void Transfer::setLimits()
     CURL *easy = m_easy.get();
     curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, protocols);
     curl_easy_setopt(easy, CURLOPT_REDIR_PROTOCOLS_STR, protocols);
-    // curl would take fields of ours along to any host.
-    curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, m_request.headers.empty() ? 1L : 0L);
+    curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, mayRedirectItself() ? 1L : 0L);
     curl_easy_setopt(easy, CURLOPT_MAXREDIRS, mostRedirects);
     // Each transfer gets a connection of its own: a paused one must not hold up its neighbours.
     curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
@@ -105,7 +103,7 @@ void Transfer::setLimits()
     curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
     // Cancelling must not wait for a name server.
     curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
-    curl_easy_setopt(easy, CURLOPT_USERAGENT, userAgent);
+    curl_easy_setopt(easy, CURLOPT_USERAGENT, m_options.userAgent.c_str());
     curl_easy_setopt(easy, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
     if (!m_options.caFile.empty())
         curl_easy_setopt(easy, CURLOPT_CAINFO, m_options.caFile.c_str());
@@ -116,6 +114,8 @@ void Transfer::setProxy()
 {
     CURL *easy = m_easy.get();
     const tagProxyParam &proxy = m_record.proxyParam;
+    if (m_record.nProxySet != 1 && m_options.proxyFromEnvironment)
+        return;
     curl_easy_setopt(easy, CURLOPT_NOPROXY, "");
     if (m_record.nProxySet != 1) {
         curl_easy_setopt(easy, CURLOPT_PROXY, "");
@@ -128,6 +128,13 @@ void Transfer::setProxy()
         return;
     curl_easy_setopt(easy, CURLOPT_PROXYUSERNAME, proxy.szProxyText2);
     curl_easy_setopt(easy, CURLOPT_PROXYPASSWORD, proxy.szProxyText3);
+}
+
+/** curl would take fields of ours along to any host, and tell a secure page's to insecure ones. */
+bool Transfer::mayRedirectItself() const
+{
+    return m_request.headers.empty() &&
+           refererFor(m_request.page, "https://h/") == refererFor(m_request.page, "http://h/");
 }
 
 bool Transfer::setFields(const std::string &address)
@@ -147,6 +154,9 @@ bool Transfer::setFields(const std::string &address)
     if (mayKnow && !std::all_of(m_request.headers.begin(), m_request.headers.end(), add))
         return false;
     curl_easy_setopt(m_easy.get(), CURLOPT_HTTPHEADER, m_headers.get());
+    const std::string referer = refererFor(m_request.page, address);
+    if (!referer.empty())
+        curl_easy_setopt(m_easy.get(), CURLOPT_REFERER, referer.c_str());
     if (m_request.offset == 0)
         return true;
     // Not CURLOPT_RESUME_FROM, which takes any whole answer for an error.
@@ -159,7 +169,7 @@ std::string Transfer::redirection() const
 {
     long status = 0;
     curl_header *location = nullptr;
-    if (m_request.headers.empty() || m_began ||
+    if (mayRedirectItself() || m_began ||
         curl_easy_getinfo(m_easy.get(), CURLINFO_RESPONSE_CODE, &status) != CURLE_OK ||
         status / 100 != 3 ||
         curl_easy_header(m_easy.get(), "Location", 0, CURLH_HEADER, -1, &location) != CURLHE_OK)

@@ -46,6 +46,7 @@ struct TransferRequest
     std::string validator{}; ///< for If-Range
     /** Further fields, "Name: value"; they reach no other host by a redirect. */
     std::vector<std::string> headers{};
+    std::string page{}; ///< whose Referer is sent; empty for none
 };
 
 /** A transfer, which may be started again after it has ended. Used on the transfer thread only. */
@@ -91,6 +92,7 @@ private:
     void setLimits();
     void setProxy();
     bool begin(const std::string &address);
+    bool mayRedirectItself() const;
     bool setFields(const std::string &address);
     std::string redirection() const;
     bool isConnected() const;

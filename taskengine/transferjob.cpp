@@ -34,6 +34,8 @@ void TransferJob::fetch(TransferRequest request)
 {
     m_fault.reset();
     request.headers = headers().fieldsFor(this->request(), request.address);
+    if (this->request().kind != RequestKind::Parse)
+        request.page = this->request().record.szPageURL;
     if (const auto fault = addressFault(request.address))
         fail(*fault);
     else if (!isProxyUsable(this->request().record))
@@ -81,7 +83,8 @@ std::optional<Fault> TransferJob::outcome(CURLcode code)
     if (m_fault)
         return m_fault;
     if (code != CURLE_OK && !isComplete())
-        return transferFault(m_transfer.easy(), code, request().record.nProxySet == 1);
+        return transferFault(m_transfer.easy(), code,
+                             request().record.nProxySet == 1 || options().proxyFromEnvironment);
     return complete();
 }
 

@@ -218,7 +218,8 @@ private slots:
         row("SOCKS5, wrong password", ProxyType::Socks5, "127.0.0.1:1", "x", Failure::ProxyFailed);
     }
 
-    /** The record says it alone, whatever the environment says. Only the proxy knows the hosts. */
+    /** The record says it alone, unless the environment is asked. Only the proxy knows the hosts.
+     */
     void proxy()
     {
         QFETCH(const ProxyType, type);
@@ -229,6 +230,14 @@ private slots:
         qputenv("http_proxy", "http://127.0.0.1:1");
         QCOMPARE(DownloadVideo(video("direct")), 0);
         compareEnd("direct", DOWN_STATE_DOWNLOAD_FINISH, videoSize);
+        m_options.proxyFromEnvironment = true;
+        m_options.tries = 2;
+        taskengine::setOptions(m_options);
+        QCOMPARE(DownloadVideo(video("by environment")), 0);
+        compareFailure("by environment", Failure::ProxyFailed);
+        QCOMPARE(m_log->count("by environment", DOWN_STATE_RETRY_DOWNLOAD), 1);
+        m_options.tries = 0;
+        taskengine::setOptions(m_options); // those of a request come first
         qunsetenv("http_proxy");
 
         qputenv("no_proxy", "*");
