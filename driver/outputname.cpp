@@ -111,6 +111,12 @@ std::variant<OutputName, FailureReason> chooseOutputName(const OutputPlace &plac
     return freeName(place);
 }
 
+OutputName plannedName(const OutputPlace &place)
+{
+    const auto own = ownName(place);
+    return own ? *own : freeName(place);
+}
+
 std::variant<Reservation, FailureReason> reserve(const OutputName &name)
 {
     const bool isNew = disk::makeEmpty(name.video);

@@ -46,6 +46,9 @@ struct OutputPlace
  */
 std::variant<OutputName, FailureReason> chooseOutputName(const OutputPlace &place);
 
+/** The same, but makes and removes nothing. */
+OutputName plannedName(const OutputPlace &place);
+
 /** What became of a name that was chosen. */
 enum class Reservation {
     Done,  ///< it is the task's

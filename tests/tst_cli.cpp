@@ -69,6 +69,13 @@ private slots:
         QTest::newRow("odd progress") << u"get --progress no PAGE"_s << 2 << u"\"no\""_s;
         QTest::newRow("odd proxy") << u"get --proxy host PAGE"_s << 2 << u"host:port"_s;
         QTest::newRow("proxy kind") << u"get --proxy ftp://h:1 PAGE"_s << 2 << u"host:port"_s;
+        QTest::newRow("no rate") << u"get --limit-rate 5 PAGE"_s << 2 << u"\"5\" is not a rate"_s;
+        QTest::newRow("odd rate") << u"get --limit-rate 2Mb PAGE"_s << 2 << u"\"2Mb\""_s;
+        QTest::newRow("odd retries") << u"get --retries -1 PAGE"_s << 2 << u"from 0 to 99"_s;
+        QTest::newRow("no agent") << u"get --user-agent= PAGE"_s << 2 << u"--user-agent: it"_s;
+        QTest::newRow("password for nobody")
+            << u"get --proxy h:1 --proxy-password-file /dev/null PAGE"_s << 2 << u"names a user"_s;
+        QTest::newRow("dry run of nothing") << u"get --dry-run NOPAGE"_s << 1 << u"404 Not"_s;
         QTest::newRow("missing list") << u"get --from none.txt"_s << 2 << u"\"none.txt\""_s;
         QTest::newRow("folder as list") << u"get --from ."_s << 2 << u"a folder"_s;
         QTest::newRow("folder is a file") << u"get -o /dev/null PAGE"_s << 3 << u"/dev/null"_s;
@@ -177,6 +184,52 @@ private slots:
         const QJsonObject object = QJsonDocument::fromJson(json.output.toUtf8()).object();
         QCOMPARE(object[u"formats"].toArray().size(), 2);
         QVERIFY(files().isEmpty());
+    }
+
+    /** Says what would be done, names that would collide included, and does none of it. */
+    void dryRunWritesNothing()
+    {
+        const QStringList pages{page("small-1"), page("small-2")};
+        QCOMPARE(run({u"get"_s, pages[0], u"--limit-rate"_s, u"1M"_s}).code, 0);
+        const auto all = [this] {
+            return QDir(m_root->path()).entryList(QDir::AllEntries | QDir::Hidden);
+        };
+        const QStringList before = all();
+        const QByteArray history = contents(path("data/videodown/history.xml"));
+        const Ended ended = run(QStringList{u"get"_s, u"--dry-run"_s, u"-o"_s, u"new"_s} + pages);
+        QVERIFY2(ended.code == 0, qPrintable(ended.error));
+        QVERIFY(ended.error.contains(u"already there: Video small-1"_s));
+        QVERIFY(ended.error.contains(u"would download: Video small-2"_s));
+        const QStringList paths = ended.output.split(u'\n', Qt::SkipEmptyParts);
+        QCOMPARE(QSet<QString>(paths.begin(), paths.end()),
+                 (QSet<QString>{path("Video small-1.flv"), path("new/Video small-2.flv")}));
+        const Ended again = run({u"get"_s, u"--dry-run"_s, u"--again"_s, u"--json"_s,
+                                 u"--history"_s, u"none.xml"_s, pages[0]});
+        const QJsonObject object = QJsonDocument::fromJson(again.output.toUtf8()).object();
+        QCOMPARE(object[u"path"].toString(), path("Video small-1_0.flv"));
+        QCOMPARE(object[u"format"][u"number"].toInt(), 34);
+        QCOMPARE(all(), before);
+        QCOMPARE(contents(path("data/videodown/history.xml")), history);
+    }
+
+    void proxyPassword()
+    {
+        QVERIFY(m_site.startProxy("user", "pass"));
+        const QString proxy = u"user@127.0.0.1:%1"_s.arg(m_site.proxyPort());
+        QFile file(path("word"));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("pass\n") > 0);
+        file.close();
+        const QStringList get{u"get"_s, u"--again"_s, page("small-1")};
+        const QStringList through = get + QStringList{u"--proxy"_s, proxy};
+        QCOMPARE(run(through).code, 1);
+        QCOMPARE(run(through + QStringList{u"--proxy-password-file"_s, u"word"_s}).code, 0);
+        qputenv("VIDEODOWN_PROXY_PASSWORD", "pass");
+        QCOMPARE(run(through).code, 0);
+        qunsetenv("VIDEODOWN_PROXY_PASSWORD");
+        qputenv("http_proxy", "http://127.0.0.1:1");
+        QCOMPARE(run(get).code, 0);
+        QCOMPARE(run(get + QStringList{u"--proxy"_s, u"env"_s}).code, 1);
+        qunsetenv("http_proxy");
     }
 
     void settings_data()

@@ -8,6 +8,7 @@
 #include <QRegularExpression>
 #include <QUrl>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <map>
@@ -71,13 +72,52 @@ Read<Profile_Desc> profile(const QString &text)
     return result;
 }
 
-Read<int> count(const QString &text, int most)
+Read<int> count(const QString &text, int most, int least)
 {
     bool isNumber = false;
     const int number = text.toInt(&isNumber);
-    if (!isNumber || number < 1 || number > most)
-        return Wrong{QStringLiteral("\"%1\" is not a number from 1 to %2").arg(text).arg(most)};
+    if (!isNumber || number < least || number > most)
+        return Wrong{
+            QStringLiteral("\"%1\" is not a number from %2 to %3").arg(text).arg(least).arg(most)};
     return number;
+}
+
+Read<qint64> rate(const QString &text)
+{
+    static const QRegularExpression form(
+        QStringLiteral("^([0-9]{1,12}(?:\\.[0-9]{1,9})?)([KkMmGg]?)$"));
+    const auto match = form.match(text);
+    const auto power = QStringLiteral(" kmg").indexOf(match.captured(2).toLower());
+    const double bytes = match.captured(1).toDouble() *
+                         double(qint64{1} << (match.captured(2).isEmpty() ? 0 : 10 * power));
+    if (!match.hasMatch() || bytes < 1024 || bytes > 1e12)
+        return Wrong{
+            QStringLiteral("\"%1\" is not a rate of at least 1K, as 500K or 2M").arg(text)};
+    return qint64(bytes);
+}
+
+Read<QString> fieldValue(const QString &text)
+{
+    const bool isPlain = std::all_of(text.begin(), text.end(),
+                                     [](QChar c) { return c >= u' ' && c != QChar(0x7f); });
+    if (text.trimmed().isEmpty() || !isPlain)
+        return Wrong{QStringLiteral("it is empty, or has characters that a header cannot carry")};
+    return text.trimmed();
+}
+
+Read<QString> firstLine(const QString &name)
+{
+    QFile file(name);
+    if (!open(file, name))
+        return Wrong{QStringLiteral("\"%1\" cannot be read").arg(name)};
+    return QString::fromUtf8(file.readLine(4096)).remove(u'\n').remove(u'\r');
+}
+
+Read<tagProxyParam> withPassword(tagProxyParam proxy, const QString &password)
+{
+    if (proxy.szProxyText3[0] == '\0' && !fill(proxy.szProxyText3, password))
+        return Wrong{QStringLiteral("the password takes at most 127 bytes")};
+    return proxy;
 }
 
 Read<tagProxyParam> proxy(const QString &text)
@@ -95,7 +135,7 @@ Read<tagProxyParam> proxy(const QString &text)
     if (!url.isValid() || type == types.end() || url.host().isEmpty() || url.port() < 1 ||
         !nothingElse)
         return Wrong{QStringLiteral(
-            "the proxy is not of the form [http|socks5|socks5h://][user:password@]host:port")};
+            "the proxy is not of the form [http|socks5|socks5h://][user[:password]@]host:port")};
     tagProxyParam result = {};
     result.nProxyValue1 = url.port();
     result.nProxyValue2 = static_cast<int>(type->second);

@@ -24,8 +24,20 @@ using Read = std::variant<Value, Wrong>;
 /** "EXT" or "EXT:WIDTHxHEIGHT" */
 Read<Profile_Desc> profile(const QString &text);
 
-/** A whole number from 1 to `most`. */
-Read<int> count(const QString &text, int most);
+/** A whole number from `least` to `most`. */
+Read<int> count(const QString &text, int most, int least = 1);
+
+/** Bytes per second: "500K", "1.5M"; K, M and G are powers of 1024. */
+Read<qint64> rate(const QString &text);
+
+/** A text that a header field can carry. */
+Read<QString> fieldValue(const QString &text);
+
+/** The first line of a file, without its end. */
+Read<QString> firstLine(const QString &name);
+
+/** The proxy with this password for its user, unless it has one of its own. */
+Read<tagProxyParam> withPassword(tagProxyParam proxy, const QString &password);
 
 /** "[http|socks5|socks5h://][user:password@]host:port" */
 Read<tagProxyParam> proxy(const QString &text);

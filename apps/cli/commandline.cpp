@@ -1,6 +1,7 @@
 #include "commandline.h"
 
 #include "arguments.h"
+#include "commandoptions.h"
 #include "commandtexts.h"
 #include "configuration.h"
 #include "taskengine/options.h"
@@ -13,18 +14,10 @@
 
 namespace {
 
-QString text(const char *utf8)
-{
-    return QString::fromUtf8(utf8);
-}
-
-QCommandLineOption option(const QStringList &names, const char *description, const char *value = "")
-{
-    return {names, text(description), text(value)};
-}
+using commandoptions::text;
 
 // One command's options and what they say. `parse` first, then the readers.
-class CommandParser
+class CommandParser : private CommandOptions
 {
 public:
     explicit CommandParser(const CommandText &command) : m_command(command)
@@ -81,20 +74,6 @@ public:
     }
 
 private:
-    QList<std::pair<unsigned, QList<QCommandLineOption>>> groups() const
-    {
-        return {{FormatOptions, {m_format}},
-                {WishOptions, {m_from, m_keepSource}},
-                {ConnectionOptions, {m_proxy, m_videoInfo, m_infoCommand}},
-                {ReportOptions, {m_json, m_quiet}},
-                {JsonOption, {m_json}},
-                {FolderOptions, {m_output, m_downloads, m_again}},
-                {TransferOptions, {m_jobs, m_noThumbnails, m_progress}},
-                {DeleteOption, {m_deleteFiles}},
-                {ConvertOption, {m_convert}},
-                {HistoryOptions, {m_history}}};
-    }
-
     // What may stand in the configuration file: what neither names tasks nor deletes anything.
     QList<QCommandLineOption> settable() const
     {
@@ -104,7 +83,8 @@ private:
                 result += options;
         }
         result.removeIf([this](const QCommandLineOption &each) {
-            return each.names() == m_from.names() || each.names() == m_again.names();
+            return each.names() == m_from.names() || each.names() == m_again.names() ||
+                   each.names() == m_dryRun.names();
         });
         return result;
     }
@@ -205,6 +185,7 @@ private:
         m_line.json = isOn(ReportOptions | JsonOption, m_json);
         m_line.quiet = isOn(ReportOptions, m_quiet);
         m_line.again = isOn(FolderOptions, m_again);
+        m_line.dryRun = isOn(FolderOptions, m_dryRun);
         m_line.convert = isOn(ConvertOption, m_convert);
         if (m_line.convert && m_line.keepSource)
             m_wrong = text("--convert: a kept source is not converted");
@@ -225,13 +206,42 @@ private:
 
     void readConnection()
     {
-        if (m_parser.isSet(m_proxy))
-            take(m_proxy, arguments::proxy(m_parser.value(m_proxy)), m_line.proxy);
+        readProxy();
+        if (m_parser.isSet(m_userAgent))
+            take(m_userAgent, arguments::fieldValue(m_parser.value(m_userAgent)), m_line.userAgent);
+        if (m_parser.isSet(m_retries))
+            take(m_retries, arguments::count(m_parser.value(m_retries), 99, 0), m_line.retries);
         if (m_parser.isSet(m_videoInfo))
             readVideoInfo();
         if (m_parser.isSet(m_infoCommand))
             take(m_infoCommand, arguments::command(m_parser.value(m_infoCommand)),
                  m_line.videoInfoCommand);
+    }
+
+    void readProxy()
+    {
+        m_line.proxyFromEnvironment = m_parser.value(m_proxy) == QLatin1String("env");
+        if (m_parser.isSet(m_proxy) && !m_line.proxyFromEnvironment)
+            take(m_proxy, arguments::proxy(m_parser.value(m_proxy)), m_line.proxy);
+        // Settings of the environment come before those of the file.
+        const char *const variable = "VIDEODOWN_PROXY_PASSWORD";
+        const bool isSet = m_parser.isSet(m_passwordFile);
+        const bool isFromFile = originOf(m_passwordFile).contains(u'/');
+        if (m_line.proxy && qEnvironmentVariableIsSet(variable) && (!isSet || isFromFile))
+            take(m_proxy, arguments::withPassword(*m_line.proxy, qEnvironmentVariable(variable)),
+                 m_line.proxy);
+        else if (isSet)
+            readPasswordFile();
+    }
+
+    void readPasswordFile()
+    {
+        QString password;
+        take(m_passwordFile, arguments::firstLine(m_parser.value(m_passwordFile)), password);
+        if (m_line.proxy && m_line.proxy->szProxyText2[0] != '\0')
+            take(m_passwordFile, arguments::withPassword(*m_line.proxy, password), m_line.proxy);
+        else if (m_wrong.isEmpty() && !m_origins.contains(m_passwordFile.names().constLast()))
+            m_wrong = text("--proxy-password-file needs a --proxy that names a user");
     }
 
     void readVideoInfo()
@@ -248,6 +258,8 @@ private:
     {
         if (m_parser.isSet(m_jobs))
             take(m_jobs, arguments::count(m_parser.value(m_jobs), maxVideoLimit), m_line.jobs);
+        if (m_parser.isSet(m_limitRate))
+            take(m_limitRate, arguments::rate(m_parser.value(m_limitRate)), m_line.limitRate);
         const QStringList modes{text("auto"), text("always"), text("never")};
         const auto mode = modes.indexOf(m_parser.value(m_progress));
         if (mode < 0 && m_wrong.isEmpty())
@@ -294,85 +306,6 @@ private:
     CommandLine m_line;
     QString m_wrong;
     QHash<QString, QString> m_origins; // of values that are not on the command line
-
-    const QCommandLineOption m_help = option({text("h"), text("help")}, "Show this help.");
-    const QCommandLineOption m_noConfig =
-        option({text("no-config")}, "Do not read the configuration file.");
-    const QCommandLineOption m_from = option({text("from")},
-                                             "Also download the addresses in this file, one per "
-                                             "line; blank lines and lines that begin with "
-                                             "\"#\" are skipped. \"-\" means standard input.",
-                                             "file");
-    const QCommandLineOption m_format = option(
-        {text("f"), text("format")},
-        "The wanted format: an extension and, optionally, a picture size, as in mp4:1280x720. "
-        "The "
-        "format of this size is chosen, else the next larger one, else the largest. Without a "
-        "size: the largest format with this extension. Without this option: the largest of "
-        "all. "
-        "Nothing is converted without --convert.",
-        "ext[:WxH]");
-    const QCommandLineOption m_keepSource = option(
-        {text("keep-source")},
-        "Put the video into the output folder as the site offers it; without -f, in the best "
-        "FLV format, if the site has one.");
-    const QCommandLineOption m_proxy =
-        option({text("proxy")},
-               "Use this proxy: [http|socks5|socks5h://][user:password@]host:port. With socks5h, "
-               "the proxy resolves host names.",
-               "proxy");
-    const QCommandLineOption m_videoInfo =
-        option({text("video-info")},
-               "How to find out what the site offers: \"site\" asks the site itself, \"auto\" then "
-               "asks videodown-extract if the site has no answer and yt-dlp is installed; anything "
-               "else is a command, as with --video-info-command. Default: auto.",
-               "source");
-    const QCommandLineOption m_infoCommand =
-        option({text("video-info-command")},
-               "Run this command, with the address of a page as its last argument, to find out "
-               "what the "
-               "site offers. It prints \"key=value\" lines. No shell is used; double quotes "
-               "keep words "
-               "together.",
-               "command");
-    const QCommandLineOption m_json = option(
-        {text("json")}, "Print a JSON object for each task on standard output, one per line.");
-    const QCommandLineOption m_quiet = option({text("q"), text("quiet")}, "Only show errors.");
-    const QCommandLineOption m_output = option(
-        {text("o"), text("output")},
-        "The output folder, created if it is missing. Default: the current folder.", "folder");
-    const QCommandLineOption m_downloads =
-        option({text("downloads")},
-               "The folder that videos and thumbnails are downloaded to, created if it is missing. "
-               "With --keep-source, finished videos are copied from there to the output folder; "
-               "otherwise they stay there. Default: the output folder.",
-               "folder");
-    const QCommandLineOption m_again =
-        option({text("again")}, "Also download videos that are there already.");
-    const QCommandLineOption m_deleteFiles = option(
-        {text("delete-files")},
-        "Also delete the files of the tasks: videos, copies, thumbnails and the part files of "
-        "interrupted downloads.");
-    const QCommandLineOption m_convert =
-        option({text("convert")},
-               "Convert videos that the site does not offer in the wanted format, with ffmpeg. The "
-               "converted file goes to the output folder; the downloaded one stays.");
-    const QCommandLineOption m_history =
-        option({text("history")},
-               "The history file, created if it is missing. Default: videodown/history.xml in the "
-               "user's data folder ($XDG_DATA_HOME, or ~/.local/share).",
-               "file");
-    const QCommandLineOption m_jobs =
-        option({text("j"), text("jobs")},
-               "How many videos to download at once, 1 to 100. Default: 3.", "number");
-    const QCommandLineOption m_noThumbnails =
-        option({text("no-thumbnails")}, "Do not download thumbnails.");
-    const QCommandLineOption m_progress{
-        {text("progress")},
-        text("Show progress: \"always\" as bars, \"never\", or \"auto\": as bars on a terminal, "
-             "as lines elsewhere. Default: auto."),
-        text("when"),
-        text("auto")};
 };
 
 Answer helpOn(const QString &name)

@@ -31,7 +31,12 @@ struct CommandLine
     bool json = false;
     bool quiet = false;
     ProgressMode progress = ProgressMode::Auto;
-    bool again = false;       ///< also what is there already
+    bool again = false;   ///< also what is there already
+    bool dryRun = false;  ///< only show what would be done
+    qint64 limitRate = 0; ///< bytes per second; 0: no limit
+    int retries = -1;     ///< -1: as usual
+    QString userAgent;    ///< empty: the engine's own
+    bool proxyFromEnvironment = false;
     bool deleteFiles = false; ///< of removed tasks
     bool convert = false;     ///< what is not in the wanted form
     QString historyFile;      ///< empty: the usual one

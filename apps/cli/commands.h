@@ -6,6 +6,8 @@
 #include "exitstatus.h"
 
 ExitStatus runGet(const CommandLine &line);
+/** `get --dry-run`: asks the sites, and shows what would be downloaded. */
+ExitStatus runDryRun(const CommandLine &line);
 ExitStatus runFormats(const CommandLine &line);
 ExitStatus runList(const CommandLine &line);
 ExitStatus runShow(const CommandLine &line);

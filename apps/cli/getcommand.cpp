@@ -50,6 +50,8 @@ QList<DownloadRequest> requestsFor(const CommandLine &line, const QString &outpu
 
 ExitStatus runGet(const CommandLine &line)
 {
+    if (line.dryRun)
+        return runDryRun(line);
     const QString output = usableFolder(line.outputFolder);
     if (output.isEmpty())
         return {ExitFolder, 0};

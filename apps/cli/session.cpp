@@ -33,6 +33,11 @@ void configureEngine(const CommandLine &line)
     taskengine::Options options = taskengine::options();
     for (const QString &word : line.videoInfoCommand)
         options.videoInfoCommand.push_back(word.toLocal8Bit().toStdString());
+    options.rateLimit = std::size_t(line.limitRate);
+    options.tries = line.retries + 1; // 0: not set
+    options.proxyFromEnvironment = line.proxyFromEnvironment;
+    if (!line.userAgent.isEmpty())
+        options.userAgent = line.userAgent.toStdString();
     const QString extractor = extractorFor(line);
     if (!extractor.isEmpty())
         options.fallbackCommand = {QFile::encodeName(extractor).toStdString()};
@@ -141,7 +146,7 @@ ExitStatus Session::run(const QList<DownloadRequest> &requests)
     connect(&m_session, &DownloadSession::idle, &loop, &QEventLoop::quit);
     loop.exec();
     const bool saved = commandhistory::reportProblem(m_session.finish());
-    if (!m_line.quiet && m_line.command != Command::Formats)
+    if (!m_line.quiet && m_line.command != Command::Formats && !m_line.dryRun)
         announceSummary();
     if (m_failed + m_stopped > 0 || m_outputBroken || !saved)
         m_status.code = ExitFailed;
