@@ -198,15 +198,15 @@ private slots:
         const QByteArray history = contents(path("data/videodown/history.xml"));
         const Ended ended = run(QStringList{u"get"_s, u"--dry-run"_s, u"-o"_s, u"new"_s} + pages);
         QVERIFY2(ended.code == 0, qPrintable(ended.error));
-        QVERIFY(ended.error.contains(u"already there: Video small-1"_s));
-        QVERIFY(ended.error.contains(u"would download: Video small-2"_s));
+        QVERIFY(ended.error.contains(u"already there: Small video 1"_s));
+        QVERIFY(ended.error.contains(u"would download: Small video 2"_s));
         const QStringList paths = ended.output.split(u'\n', Qt::SkipEmptyParts);
         QCOMPARE(QSet<QString>(paths.begin(), paths.end()),
-                 (QSet<QString>{path("Video small-1.flv"), path("new/Video small-2.flv")}));
+                 (QSet<QString>{path("Small video 1.flv"), path("new/Small video 2.flv")}));
         const Ended again = run({u"get"_s, u"--dry-run"_s, u"--again"_s, u"--json"_s,
                                  u"--history"_s, u"none.xml"_s, pages[0]});
         const QJsonObject object = QJsonDocument::fromJson(again.output.toUtf8()).object();
-        QCOMPARE(object[u"path"].toString(), path("Video small-1_0.flv"));
+        QCOMPARE(object[u"path"].toString(), path("Small video 1_0.flv"));
         QCOMPARE(object[u"format"][u"number"].toInt(), 34);
         QCOMPARE(all(), before);
         QCOMPARE(contents(path("data/videodown/history.xml")), history);
