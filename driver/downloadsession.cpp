@@ -48,11 +48,6 @@ QString DownloadSession::save()
     return m_keeper ? m_keeper->save() : QString();
 }
 
-QString DownloadSession::finish()
-{
-    return m_keeper ? m_keeper->finish() : QString();
-}
-
 QString DownloadSession::add(const DownloadRequest &request)
 {
     m_stopping = m_interrupting = false;

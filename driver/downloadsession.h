@@ -35,9 +35,6 @@ public:
 
     /** Loads a history and keeps it from now on. @return why that failed, in English, or empty */
     QString open(const QString &historyPath);
-    /** Has all changes on disk. @return why that failed, in English, or empty; also without a
-     * history */
-    QString finish();
     /** Writes the whole history. @return why that failed, in English, or empty; also without a
      * history */
     QString save();

@@ -42,7 +42,7 @@ HistoryKeeper::HistoryKeeper(CDown &controller, const QString &path, UnfinishedF
 HistoryKeeper::~HistoryKeeper()
 {
     if (m_open && m_journal->exists())
-        finish();
+        save();
 }
 
 void HistoryKeeper::expectChanges()
@@ -99,7 +99,6 @@ bool HistoryKeeper::isUpgrading(const QString &key)
 bool HistoryKeeper::commit(const QStringList &keys)
 {
     QSet<QString> due(keys.cbegin(), keys.cend());
-    m_committed.unite(due);
     due.unite(std::exchange(m_unstored, {}));
     QList<QJsonObject> entries;
     for (const QString &key : std::as_const(due)) {
@@ -200,20 +199,6 @@ void HistoryKeeper::endUpgrade(const QString &key)
 }
 
 // Reading the journal then adds little to reading the history.
-bool HistoryKeeper::isJournalShort() const
-{
-    constexpr qint64 share = 16;
-    return m_journal->size() * share < QFileInfo(m_path).size();
-}
-
-QString HistoryKeeper::finish()
-{
-    if (!m_open || !isJournalShort() || !commit(m_committed.values()))
-        return save();
-    m_committed.clear();
-    return {};
-}
-
 QString HistoryKeeper::save()
 {
     if (!m_open)
@@ -248,7 +233,6 @@ QString HistoryKeeper::writeAnew()
     const MutexLock lock(m_mutex);
     m_digest = digest;
     m_unstored.clear();
-    m_committed.clear();
     return {};
 }
 

@@ -48,7 +48,7 @@ public:
      */
     HistoryKeeper(CDown &controller, const QString &path, UnfinishedFiles unfinished = {},
                   QObject *parent = nullptr);
-    /** Finishes, and gives the lock back. */
+    /** Saves what is in the journal, and gives the lock back. */
     ~HistoryKeeper() override;
 
     /**
@@ -96,13 +96,6 @@ public:
     /** The upgrade has ended, either way; `commit` now takes the record as it is. */
     void endUpgrade(const QString &key);
 
-    /**
-     * Has every change on disk when it returns: in the journal while that is short beside the
-     * history, so that a few tasks among many do not cost a whole save. The next `open` takes them
-     * from there. @return as `save`
-     */
-    QString finish();
-
     /** Writes the whole history, and ends the journal. @return why it failed, in English; empty on
      * success: then nothing is lost, and history and journal on disk are as before */
     QString save();
@@ -126,7 +119,6 @@ private:
     QString writeNew(const QString &path, const QByteArray &content);
     bool replaceBy(const QString &path);
     bool reportSave(const QString &problem);
-    bool isJournalShort() const;
     QByteArray digest() VIDEODOWN_REQUIRES(m_mutex);
 
     CDown &m_controller;
@@ -139,7 +131,6 @@ private:
     QHash<QString, QJsonObject> m_stored; // records as they are on disk, of tasks at work
     QSet<QString> m_atWork;               // tasks that the next opening has to look after
     QSet<QString> m_unstored;             // tasks whose changes could not be written
-    QSet<QString> m_committed;            // tasks that the history lacks changes of
     bool m_expectsChanges = false;
     bool m_open = false;
     bool m_failing = false;

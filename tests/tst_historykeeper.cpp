@@ -362,35 +362,6 @@ private slots:
     }
 
     // What cannot be written now is written with the next change.
-    // A few changes among many tasks stay in the journal at the end; many are worth a save.
-    void endWritesWhatIsShort()
-    {
-        for (const bool isShort : {true, false}) {
-            {
-                Application first(m_path);
-                for (int i = 0; i < 100; ++i)
-                    addTask(first.controller, QString::number(i));
-                QCOMPARE(first.keeper.save(), QString());
-            }
-            const QByteArray before = contentOf(m_path);
-            {
-                Application second(m_path);
-                QStringList titles;
-                for (int i = 0; i < (isShort ? 2 : 50); ++i)
-                    titles << QString::number(i);
-                QVERIFY(second.commit(titles));
-                taskOf(second.controller, u"1"_s)->Progress = isShort ? 7 : 8;
-                QCOMPARE(second.keeper.finish(), QString());
-                QCOMPARE(contentOf(m_path) == before, isShort);
-                QCOMPARE(QFile::exists(journal()), isShort);
-            }
-            Application third(m_path);
-            QCOMPARE(taskOf(third.controller, u"1"_s)->Progress, isShort ? 7 : 8);
-            QFile::remove(m_path);
-            QFile::remove(journal());
-        }
-    }
-
     void failedCommitIsToldAndRepeated()
     {
         int told = 0;

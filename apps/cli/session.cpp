@@ -145,7 +145,7 @@ ExitStatus Session::run(const QList<DownloadRequest> &requests)
     QEventLoop loop;
     connect(&m_session, &DownloadSession::idle, &loop, &QEventLoop::quit);
     loop.exec();
-    const bool saved = commandhistory::reportProblem(m_session.finish());
+    const bool saved = commandhistory::reportProblem(m_session.save());
     if (!m_line.quiet && m_line.command != Command::Formats && !m_line.dryRun)
         announceSummary();
     if (m_failed + m_stopped > 0 || m_outputBroken || !saved)
