@@ -28,12 +28,6 @@ bool takesTasks(Command command)
     }
 }
 
-void addOptions(ManualPage &page, const QList<QCommandLineOption> &options)
-{
-    for (const QCommandLineOption &option : options)
-        page.addItem(termFor(option), option.description());
-}
-
 // Options that several commands have are described once, with the commands that take them.
 void addSharedOptions(ManualPage &page, const QList<CommandFacts> &all)
 {
@@ -94,31 +88,20 @@ QByteArray commandPage()
     return page.text();
 }
 
-QByteArray extractPage()
+// Of a program without commands.
+QByteArray plainPage(const QString &program, const QString &summary, const QString &arguments,
+                     const QString &description, const QList<QCommandLineOption> &options,
+                     const QString &others)
 {
-    ManualPage page(QStringLiteral("videodown-extract"),
-                    QStringLiteral("ask yt-dlp what a video page offers"));
+    ManualPage page(program, summary);
     page.addSection(QStringLiteral("SYNOPSIS"));
-    page.addParagraph(QStringLiteral("videodown-extract [options] ADDRESS"));
+    page.addParagraph(program + QLatin1String(" [options] ") + arguments);
     page.addSection(QStringLiteral("DESCRIPTION"));
-    page.addParagraph(extractoptions::description());
+    page.addParagraph(description);
     page.addSection(QStringLiteral("OPTIONS"));
-    addOptions(page, extractoptions::all());
-    addSeeAlso(page, QStringLiteral("videodown(1), yt-dlp(1)"));
-    return page.text();
-}
-
-QByteArray windowPage()
-{
-    ManualPage page(QStringLiteral("videodown-window"),
-                    QStringLiteral("download videos from video pages, in a window"));
-    page.addSection(QStringLiteral("SYNOPSIS"));
-    page.addParagraph(QStringLiteral("videodown-window [options] [ADDRESS...]"));
-    page.addSection(QStringLiteral("DESCRIPTION"));
-    page.addParagraph(windowoptions::description());
-    page.addSection(QStringLiteral("OPTIONS"));
-    addOptions(page, {windowoptions::history()});
-    addSeeAlso(page, QStringLiteral("videodown(1), videodown-extract(1)"));
+    for (const QCommandLineOption &option : options)
+        page.addItem(termFor(option), option.description());
+    addSeeAlso(page, others);
     return page.text();
 }
 
@@ -155,9 +138,14 @@ QByteArray manualOf(const QString &program)
     if (program == QLatin1String("videodown"))
         return commandPage();
     if (program == QLatin1String("videodown-extract"))
-        return extractPage();
+        return plainPage(program, QStringLiteral("ask yt-dlp what a video page offers"),
+                         QStringLiteral("ADDRESS"), extractoptions::description(),
+                         extractoptions::all(), QStringLiteral("videodown(1), yt-dlp(1)"));
     if (program == QLatin1String("videodown-window"))
-        return windowPage();
+        return plainPage(program, QStringLiteral("download videos from video pages, in a window"),
+                         QStringLiteral("[ADDRESS...]"), windowoptions::description(),
+                         {windowoptions::history()},
+                         QStringLiteral("videodown(1), videodown-extract(1)"));
     return {};
 }
 
