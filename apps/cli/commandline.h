@@ -20,29 +20,29 @@ enum class Command { Get, Formats, List, Show, Resume, Retry, Upgrade, Rename, R
 struct CommandLine
 {
     Command command = Command::Get;
-    QStringList arguments;  ///< page addresses, or what names tasks
-    QString newName;        ///< to rename to
-    QString outputFolder;   ///< empty: the current folder
-    QString downloadFolder; ///< empty: the output folder
-    Profile_Desc profile;   ///< open where the user left it open
-    bool keepSource = false;
     int jobs = 3;
+    int retries = -1; ///< -1: as usual
+    ProgressMode progress = ProgressMode::Auto;
+    QStringList arguments;        ///< page addresses, or what names tasks
+    QString newName;              ///< to rename to
+    QString outputFolder;         ///< empty: the current folder
+    QString downloadFolder;       ///< empty: the output folder
+    Profile_Desc profile;         ///< open where the user left it open
+    QString historyFile;          ///< empty: the usual one
+    QString userAgent;            ///< empty: the engine's own
+    qint64 limitRate = 0;         ///< bytes per second; 0: no limit
+    QStringList videoInfoCommand; ///< empty: the site is asked itself
+    std::optional<tagProxyParam> proxy;
+    bool proxyFromEnvironment = false;
+    bool useExtractor = true; ///< where the site has no video info
+    bool keepSource = false;
     bool thumbnails = true;
     bool json = false;
     bool quiet = false;
-    ProgressMode progress = ProgressMode::Auto;
-    bool again = false;   ///< also what is there already
-    bool dryRun = false;  ///< only show what would be done
-    qint64 limitRate = 0; ///< bytes per second; 0: no limit
-    int retries = -1;     ///< -1: as usual
-    QString userAgent;    ///< empty: the engine's own
-    bool proxyFromEnvironment = false;
+    bool again = false;       ///< also what is there already
+    bool dryRun = false;      ///< only show what would be done
     bool deleteFiles = false; ///< of removed tasks
     bool convert = false;     ///< what is not in the wanted form
-    QString historyFile;      ///< empty: the usual one
-    std::optional<tagProxyParam> proxy;
-    QStringList videoInfoCommand; ///< empty: the site is asked itself
-    bool useExtractor = true;     ///< where the site has no video info
 };
 
 /** A text that answers the command line already: help, the version, or what is wrong. */
