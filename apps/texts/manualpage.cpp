@@ -18,7 +18,8 @@ QByteArray escaped(const QString &text)
 ManualPage::ManualPage(const QString &program, const QString &summary)
 {
     m_text = ".TH \"" + escaped(program.toUpper()) +
-             "\" \"1\" \"\" \"videodown " VIDEODOWN_VERSION "\" \"User Commands\"\n";
+             "\" \"1\" \"" VIDEODOWN_DATE "\" \"videodown " VIDEODOWN_VERSION
+             "\" \"User Commands\"\n";
     addSection(QStringLiteral("NAME"));
     m_text += escaped(program) + " \\- " + escaped(summary) + '\n';
 }
