@@ -60,7 +60,12 @@ QString mistakeIn(const QString &fault)
 
 AnswerSource answerSourceOf(const CXMLInfo &record)
 {
-    const QString first = record.fmt_list.section(u',', 0, 0);
+    return answerSourceOf(record.fmt_list);
+}
+
+AnswerSource answerSourceOf(const QString &fmtList)
+{
+    const QString first = fmtList.section(u',', 0, 0);
     if (first.isEmpty())
         return AnswerSource::Unknown;
     if (first.endsWith(QLatin1String("/by=command")))

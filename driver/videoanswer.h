@@ -21,6 +21,8 @@ enum class AnswerSource {
  * lock.
  */
 AnswerSource answerSourceOf(const CXMLInfo &record);
+/** The same from the list itself. */
+AnswerSource answerSourceOf(const QString &fmtList);
 
 /** The source in one English word: "site", "command", "extractor"; empty for an unknown one. */
 QString answerSourceName(AnswerSource source);

@@ -42,6 +42,8 @@ public:
      */
     VideoOffer(const QString &fmtList, const QString &fmtStreamMap);
 
+    /** The list of formats as the site gave it. */
+    const QString &fmtList() const { return m_fmtList; }
     /** The formats in the site's order. */
     const QList<OfferedFormat> &formats() const { return m_formats; }
 

@@ -76,6 +76,10 @@ private slots:
         QTest::newRow("password for nobody")
             << u"get --proxy h:1 --proxy-password-file /dev/null PAGE"_s << 2 << u"names a user"_s;
         QTest::newRow("dry run of nothing") << u"get --dry-run NOPAGE"_s << 1 << u"404 Not"_s;
+        QTest::newRow("log is a folder") << u"get --log . PAGE"_s << 3 << u"log \".\""_s;
+        QTest::newRow("log on a full disk")
+            << u"get --log /dev/full ftp://host/x"_s << 1 << u"No space left on device\n0"_s;
+        QTest::newRow("quiet and more") << u"get -q -v PAGE"_s << 2 << u"exclude each"_s;
         QTest::newRow("missing list") << u"get --from none.txt"_s << 2 << u"\"none.txt\""_s;
         QTest::newRow("folder as list") << u"get --from ."_s << 2 << u"a folder"_s;
         QTest::newRow("folder is a file") << u"get -o /dev/null PAGE"_s << 3 << u"/dev/null"_s;
@@ -230,6 +234,62 @@ private slots:
         QCOMPARE(run(get).code, 0);
         QCOMPARE(run(get + QStringList{u"--proxy"_s, u"env"_s}).code, 1);
         qunsetenv("http_proxy");
+    }
+
+    /** What -v and the log tell; and that neither they nor any file or process list has secrets. */
+    void tellsWhatItDoes()
+    {
+        QVERIFY(m_site.startProxy("user", "Pa55word"));
+        QFile script(path("info"));
+        QVERIFY(script.open(QIODevice::WriteOnly));
+        script.write("cat /proc/$$/cmdline /proc/$PPID/cmdline > processes\necho title=T\n"
+                     "echo fmt_list=18/640x360\necho 'fmt_stream_map=18|" +
+                     QByteArray::fromStdString(m_site.baseAddress()) +
+                     "/stream/small-3/18'\necho 'request_header=Cookie: visitor=5ecret'\n");
+        script.close();
+        const QStringList get{u"get"_s,
+                              u"-v"_s,
+                              u"--log"_s,
+                              u"log"_s,
+                              u"--history"_s,
+                              u"h.xml"_s,
+                              u"--video-info-command"_s,
+                              u"sh info"_s,
+                              u"--proxy"_s,
+                              u"user@127.0.0.1:%1"_s.arg(m_site.proxyPort()),
+                              u"http://any.invalid/page"_s};
+        Misbehaviour cut;
+        cut.prefix = "/stream/";
+        cut.cutAfter = videoSize / 2;
+        cut.firstRequests = 1;
+        m_site.addMisbehaviour(cut);
+        qputenv("VIDEODOWN_PROXY_PASSWORD", "Pa55word");
+        QCOMPARE(run(get + QStringList{u"--retries"_s, u"0"_s, u"ftp://me:5ecret@x"_s}).code, 1);
+        cut.cutAfter = videoSize / 4;
+        m_site.addMisbehaviour(cut);
+        const Ended ended = run(get);
+        qunsetenv("VIDEODOWN_PROXY_PASSWORD");
+        QCOMPARE(ended.code, 0);
+        const QString log = QString::fromUtf8(contents(path("log")));
+        for (const QString &told :
+             {u"the command has answered: T (http://any.invalid/page)\n"_s,
+              u"chosen: format 18, mp4 640x360, for \"%1\", of which 24.4 KiB are there\n"_s.arg(
+                  path("T.mp4")),
+              u"trying again: T, try 2\n"_s, u"finished: T (http://any.invalid/page)\n"_s,
+              u"1 finished, 0 failed\n"_s}) {
+            QVERIFY2(ended.error.contains(told), qPrintable(told + ended.error));
+            QVERIFY2(log.contains(told), qPrintable(told + log));
+        }
+        QVERIFY(log.contains(u"failed: ftp://x: "_s));
+        for (const QString &line : log.split(u'\n', Qt::SkipEmptyParts))
+            QVERIFY(
+                line.contains(QRegularExpression(u"^2\\d{3}-\\d\\d-\\d\\dT[0-9:]{8}\\S+ \\w"_s)));
+        QVERIFY(contents(path("processes")).contains("videodown"));
+        QByteArray all = ended.error.toUtf8();
+        for (const QFileInfo &file : QDir(m_root->path()).entryInfoList(QDir::Files | QDir::Hidden))
+            all += file.fileName() == u"info" ? QByteArray() : contents(file.filePath());
+        QVERIFY(all.contains("any.invalid") && !all.contains("5ecret") &&
+                !all.contains("Pa55word"));
     }
 
     void settings_data()

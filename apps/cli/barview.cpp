@@ -61,12 +61,6 @@ public:
         redrawSoon();
     }
 
-    void retrying(const QString &key, int attempt) override
-    {
-        if (const Bar *bar = find(key))
-            say(QStringLiteral("trying again: %1, try %2").arg(bar->label).arg(attempt));
-    }
-
     void ended(const QString &key) override
     {
         m_bars.removeIf([&key](const Bar &bar) { return bar.progress.key == key; });

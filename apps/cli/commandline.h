@@ -29,6 +29,7 @@ struct CommandLine
     QString downloadFolder;       ///< empty: the output folder
     Profile_Desc profile;         ///< open where the user left it open
     QString historyFile;          ///< empty: the usual one
+    QString logFile;              ///< empty: none
     QString userAgent;            ///< empty: the engine's own
     qint64 limitRate = 0;         ///< bytes per second; 0: no limit
     QStringList videoInfoCommand; ///< empty: the site is asked itself
@@ -39,6 +40,7 @@ struct CommandLine
     bool thumbnails = true;
     bool json = false;
     bool quiet = false;
+    bool verbose = false;
     bool again = false;       ///< also what is there already
     bool dryRun = false;      ///< only show what would be done
     bool deleteFiles = false; ///< of removed tasks

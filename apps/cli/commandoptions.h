@@ -42,7 +42,7 @@ protected:
                 {WishOptions, {m_from, m_keepSource}},
                 {ConnectionOptions,
                  {m_proxy, m_passwordFile, m_userAgent, m_retries, m_videoInfo, m_infoCommand}},
-                {ReportOptions, {m_json, m_quiet}},
+                {ReportOptions, {m_json, m_quiet, m_verbose, m_log}},
                 {JsonOption, {m_json}},
                 {FolderOptions, {m_output, m_downloads, m_again, m_dryRun}},
                 {TransferOptions, {m_jobs, m_limitRate, m_noThumbnails, m_progress}},
@@ -107,6 +107,14 @@ protected:
     const QCommandLineOption m_json = option(
         {text("json")}, "Print a JSON object for each task on standard output, one per line.");
     const QCommandLineOption m_quiet = option({text("q"), text("quiet")}, "Only show errors.");
+    const QCommandLineOption m_verbose =
+        option({text("v"), text("verbose")},
+               "Also tell who has said what a page offers, which format was chosen, what was there "
+               "of a video already, and the path that it gets.");
+    const QCommandLineOption m_log =
+        option({text("log")},
+               "Append all messages to this file too, with the time, and with those of --verbose.",
+               "file");
     const QCommandLineOption m_output = option(
         {text("o"), text("output")},
         "The output folder, created if it is missing. Default: the current folder.", "folder");
@@ -121,7 +129,7 @@ protected:
     const QCommandLineOption m_dryRun =
         option({text("dry-run")},
                "Only ask the sites, and show what would be downloaded: the format, and the path "
-               "that the video would get. Writes nothing.");
+               "that the video would get. Writes nothing but the log.");
     const QCommandLineOption m_deleteFiles = option(
         {text("delete-files")},
         "Also delete the files of the tasks: videos, copies, thumbnails and the part files of "

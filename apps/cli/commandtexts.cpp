@@ -28,9 +28,11 @@ const char *const overviewText =
     "Exit status: 0 all tasks are finished; 1 a task failed or was stopped, there is no such "
     "TASK,\n"
     "or the results or the history could not be written; 2 wrong options or arguments; 3 a folder\n"
-    "cannot be used; 4 the history cannot be used, for instance because another program is using\n"
-    "it. With 2, 3 and 4, nothing was begun. An interrupted program ends by the signal (130 after\n"
-    "Ctrl-C).\n";
+    "or the log cannot be used; 4 the history cannot be used, for instance because another "
+    "program\n"
+    "is using it. With 2, 3 and 4, nothing was begun. An interrupted program ends by the signal "
+    "(130\n"
+    "after Ctrl-C).\n";
 
 namespace {
 

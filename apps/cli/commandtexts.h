@@ -9,7 +9,7 @@ enum OptionGroup : unsigned {
     FormatOptions = 1U << 0U,     ///< --format
     WishOptions = 1U << 1U,       ///< --from, --keep-source
     ConnectionOptions = 1U << 2U, ///< --proxy, --retries, --video-info, ...
-    ReportOptions = 1U << 3U,     ///< --json, --quiet
+    ReportOptions = 1U << 3U,     ///< --json, --quiet, --verbose, --log
     TransferOptions = 1U << 4U,   ///< --jobs, --limit-rate, --no-thumbnails, ...
     FolderOptions = 1U << 5U,     ///< --output, --downloads, --again, --dry-run
     HistoryOptions = 1U << 6U,    ///< --history

@@ -42,9 +42,11 @@ public:
 
     ExitStatus run()
     {
+        if (const int code = m_session.openLog())
+            return {code, 0};
         for (const QString &folder : {m_output, m_downloads}) {
             if (const auto problem = folderNameProblem(folder)) {
-                m_session.view().say(QLatin1String("videodown: ") + problem->cause);
+                m_session.say(QLatin1String("videodown: ") + problem->cause);
                 return {ExitFolder, 0};
             }
         }
@@ -121,8 +123,7 @@ private:
             return;
         }
         const Plan plan = planFor(result);
-        if (!m_line.quiet)
-            m_session.view().say(textOf(plan, result));
+        m_session.note(textOf(plan, result));
         m_session.deliver(m_line.json ? jsonline::of(asJson(plan, result))
                                       : QFile::encodeName(plan.path) + '\n');
     }

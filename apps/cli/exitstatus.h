@@ -7,7 +7,7 @@ enum ExitCode : int {
     ExitDone = 0,    ///< every task is done
     ExitFailed = 1,  ///< a task failed or was stopped, or results or history could not be written
     ExitUsage = 2,   ///< wrong options or arguments; nothing was begun
-    ExitFolder = 3,  ///< a folder cannot be used; nothing was begun
+    ExitFolder = 3,  ///< a folder or the log cannot be used; nothing was begun
     ExitHistory = 4, ///< the history cannot be used; nothing was begun
 };
 

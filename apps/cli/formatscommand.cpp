@@ -69,6 +69,8 @@ ExitStatus runFormats(const CommandLine &line)
     CommandLine quiet = line;
     quiet.progress = ProgressMode::Never;
     Session session(quiet, QDir::currentPath());
+    if (const int code = session.openLog())
+        return {code, 0};
     QObject::connect(&session.driver(), &DownloadDriver::ended, &session,
                      [&](const DownloadResult &result) {
                          if (line.json)

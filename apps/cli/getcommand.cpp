@@ -60,10 +60,8 @@ ExitStatus runGet(const CommandLine &line)
     if (downloads.isEmpty())
         return {ExitFolder, 0};
     Session session(line, downloads);
-    if (!session.canConvert())
-        return {ExitUsage, 0};
-    if (!session.openHistory())
-        return {ExitHistory, 0};
+    if (const int code = session.prepare())
+        return {code, 0};
     resultwriter::attach(session, line);
     return session.run(requestsFor(line, output));
 }

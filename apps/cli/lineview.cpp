@@ -47,11 +47,6 @@ public:
                 .arg(terminaltext::size(progress.total)));
     }
 
-    void retrying(const QString &key, int attempt) override
-    {
-        say(QStringLiteral("trying again: %1, try %2").arg(m_lines[key].label).arg(attempt));
-    }
-
     void ended(const QString &key) override { m_lines.remove(key); }
 
 private:

@@ -10,8 +10,6 @@ void ProgressView::renamed(const QString & /*key*/, const QString & /*label*/) {
 
 void ProgressView::progressed(const DownloadProgress & /*progress*/) {}
 
-void ProgressView::retrying(const QString & /*key*/, int /*attempt*/) {}
-
 void ProgressView::ended(const QString & /*key*/) {}
 
 void ProgressView::uncovered(const std::function<void()> &write)

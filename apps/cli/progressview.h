@@ -28,7 +28,6 @@ public:
     /** Its title is known. */
     virtual void renamed(const QString &key, const QString &label);
     virtual void progressed(const DownloadProgress &progress);
-    virtual void retrying(const QString &key, int attempt);
     virtual void ended(const QString &key);
     /** Writes lines to a stream that may be the same terminal: nothing else stands there then. */
     virtual void uncovered(const std::function<void()> &write);

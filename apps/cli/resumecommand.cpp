@@ -21,7 +21,7 @@ std::optional<QList<DownloadRequest>> requestsToRetry(Session &session, const Co
     auto requests = taskrequests::toRetry(controller, *keys);
     if (requests.size() == keys->size())
         return requests;
-    session.view().say(QStringLiteral(
+    session.say(QStringLiteral(
         "videodown: a finished task is not tried again; \"get --again\" downloads it once more"));
     return std::nullopt;
 }
@@ -29,8 +29,8 @@ std::optional<QList<DownloadRequest>> requestsToRetry(Session &session, const Co
 ExitStatus carryOut(Session &session, const CommandLine &line,
                     const QList<DownloadRequest> &requests)
 {
-    if (requests.isEmpty() && !line.quiet)
-        session.view().say(QStringLiteral("there is nothing to do"));
+    if (requests.isEmpty())
+        session.note(QStringLiteral("there is nothing to do"));
     resultwriter::attach(session, line);
     return session.run(requests);
 }
@@ -40,20 +40,16 @@ ExitStatus carryOut(Session &session, const CommandLine &line,
 ExitStatus runResume(const CommandLine &line)
 {
     Session session(line, QDir::currentPath());
-    if (!session.canConvert())
-        return {ExitUsage, 0};
-    if (!session.openHistory())
-        return {ExitHistory, 0};
+    if (const int code = session.prepare())
+        return {code, 0};
     return carryOut(session, line, taskrequests::toResume(session.driver().controller()));
 }
 
 ExitStatus runRetry(const CommandLine &line)
 {
     Session session(line, QDir::currentPath());
-    if (!session.canConvert())
-        return {ExitUsage, 0};
-    if (!session.openHistory())
-        return {ExitHistory, 0};
+    if (const int code = session.prepare())
+        return {code, 0};
     const auto requests = requestsToRetry(session, line);
     return requests ? carryOut(session, line, *requests) : ExitStatus{ExitFailed, 0};
 }
@@ -61,15 +57,15 @@ ExitStatus runRetry(const CommandLine &line)
 ExitStatus runUpgrade(const CommandLine &line)
 {
     Session session(line, QDir::currentPath());
-    if (!session.openHistory())
-        return {ExitHistory, 0};
+    if (const int code = session.prepare())
+        return {code, 0};
     CDown &controller = session.driver().controller();
     const QString key = commandhistory::keyOf(controller, line);
     if (key.isEmpty())
         return {ExitFailed, 0};
     if (const auto request = taskrequests::toUpgrade(controller, key, line.profile))
         return carryOut(session, line, {*request});
-    session.view().say(QStringLiteral("videodown: only a finished task can be upgraded whose "
-                                      "video is there as it was downloaded"));
+    session.say(QStringLiteral("videodown: only a finished task can be upgraded whose "
+                               "video is there as it was downloaded"));
     return {ExitFailed, 0};
 }

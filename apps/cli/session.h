@@ -5,7 +5,11 @@
 #include "commandline.h"
 #include "driver/downloadsession.h"
 #include "exitstatus.h"
+#include "runlog.h"
 #include "signalwatch.h"
+
+#include <QHash>
+#include <QSet>
 
 #include <memory>
 
@@ -19,11 +23,13 @@ public:
     Session(const CommandLine &line, const QString &downloadFolder);
 
     DownloadDriver &driver() { return m_session.driver(); }
-    ProgressView &view() { return *m_view; }
 
-    /** Loads the history, and keeps it from now on. @return whether that worked; if not, it was
-     * reported */
-    bool openHistory();
+    /** Opens the log that the command line names. What cannot be is reported. @return how the
+     * program then ends; 0 to go on */
+    int openLog();
+    /** The same, and looks whether there is ffmpeg if the command needs it, and loads the history,
+     * which is kept from now on. */
+    int prepare();
 
     /** Adds the tasks, and runs until all have ended. */
     ExitStatus run(const QList<DownloadRequest> &requests);
@@ -35,8 +41,12 @@ public:
      */
     void deliver(const QByteArray &result);
 
-    /** Whether ffmpeg is there, if the command needs it; if not, that is reported. */
-    bool canConvert();
+    /** Tells everybody, and the log. */
+    void say(const QString &line);
+    /** Tells all but those who want to know of errors only, and the log. */
+    void note(const QString &line);
+    /** Tells those who want to know more, and the log. */
+    void tell(const QString &line);
 
 signals:
     /** A task has ended, and so has the conversion of its video. */
@@ -44,6 +54,14 @@ signals:
 
 private:
     void follow();
+    void followSteps();
+    void begin(const QString &key, const QString &address);
+    void describe(const QString &key);
+    void choose(const QString &key);
+    void log(const QString &line);
+    bool canConvert();
+    bool isInspection() const;
+    QString labelOf(const QString &key);
     void settle(const DownloadResult &result);
     void count(const DownloadResult &result);
     void announceSummary();
@@ -52,7 +70,10 @@ private:
     const CommandLine m_line;
     SignalWatch m_signals;
     std::unique_ptr<ProgressView> m_view;
+    RunLog m_log;
     DownloadSession m_session;
+    QHash<QString, qint64> m_begunBytes; // of tasks that an earlier run has begun
+    QSet<QString> m_chosen;              // tasks whose choice has been told
     ExitStatus m_status;
     int m_finished = 0;
     int m_failed = 0;

@@ -79,6 +79,8 @@ QByteArray commandPage()
                        "before the environment, and that before this file."));
     page.addItem(QStringLiteral("VIDEODOWN_OPTION"),
                  QStringLiteral("The value of an option, as in VIDEODOWN_JOBS=5."));
+    page.addItem(QStringLiteral("NO_COLOR"),
+                 QStringLiteral("Has no effect: the program uses no colours."));
     page.addItem(QStringLiteral("$XDG_DATA_HOME/videodown/history.xml, or "
                                 "~/.local/share/videodown/history.xml"),
                  QStringLiteral("The history."));

@@ -1,0 +1,150 @@
+// What a session tells of its tasks, to people and to the log.
+#include "session.h"
+
+#include "commandhistory.h"
+#include "driver/resulttext.h"
+#include "driver/videoanswer.h"
+#include "terminaltext.h"
+
+#include <QFileInfo>
+
+namespace {
+
+QString answeredBy(AnswerSource source, const QString &name)
+{
+    return QStringLiteral("the %1 has answered: %2").arg(answerSourceName(source), name);
+}
+
+} // namespace
+
+void Session::followSteps()
+{
+    connect(&driver(), &DownloadDriver::started, this, [this](const QString &key) {
+        QString address;
+        {
+            const ControllerLock lock;
+            CXMLInfo *record = m_session.controller().getXMLInfo(key);
+            if (record == nullptr)
+                return;
+            address = record->OrgWebSite;
+            const QString part = commandhistory::unfinishedFiles(record->FileName).constFirst();
+            m_begunBytes.insert(key, record->FileName.isEmpty() ? 0 : QFileInfo(part).size());
+        }
+        m_chosen.remove(key);
+        m_view->started(key, address);
+        log(QStringLiteral("asking the site: ") + address);
+    });
+    connect(&driver(), &DownloadDriver::described, this, &Session::describe);
+    connect(&driver(), &DownloadDriver::retrying, this, [this](const QString &key, int attempt) {
+        const QString line =
+            QStringLiteral("trying again: %1, try %2").arg(labelOf(key)).arg(attempt);
+        if (m_line.progress == ProgressMode::Never)
+            tell(line);
+        else
+            note(line);
+    });
+}
+
+QString Session::labelOf(const QString &key)
+{
+    const ControllerLock lock;
+    const CXMLInfo *record = m_session.controller().getXMLInfo(key);
+    return record == nullptr ? key : commandhistory::titleOf(*record);
+}
+
+void Session::describe(const QString &key)
+{
+    auto source = AnswerSource::Unknown;
+    QString name;
+    {
+        const ControllerLock lock;
+        const CXMLInfo *record = m_session.controller().getXMLInfo(key);
+        if (record == nullptr) // of an inspection
+            return;
+        source = answerSourceOf(*record);
+        name = QStringLiteral("%1 (%2)").arg(record->Title, record->OrgWebSite);
+    }
+    if (source != AnswerSource::Unknown) // else its failure says why
+        tell(answeredBy(source, name));
+}
+
+// When the transfer begins, the record has the format and the name.
+void Session::choose(const QString &key)
+{
+    if (m_chosen.contains(key))
+        return;
+    m_chosen.insert(key);
+    QString line;
+    {
+        const ControllerLock lock;
+        const CXMLInfo *record = m_session.controller().getXMLInfo(key);
+        if (record == nullptr)
+            return;
+        const VideoOffer offer(record->fmt_list, record->fmt_stream_map);
+        const bool keepsSource = record->IsOrgVideo == 1;
+        const ChosenFormat format =
+            offer.chosen(offer.settled(*record->Profile->m_pDesc, keepsSource));
+        line = QStringLiteral("chosen: format %1, %2 %3x%4, for \"%5\"")
+                   .arg(format.number)
+                   .arg(format.extension)
+                   .arg(format.width)
+                   .arg(format.height)
+                   .arg(record->FileName);
+    }
+    const qint64 bytes = m_begunBytes.value(key);
+    if (bytes > 0)
+        line += QStringLiteral(", of which %1 are there").arg(terminaltext::size(bytes));
+    tell(line);
+}
+
+void Session::log(const QString &line)
+{
+    const QString problem = m_log.append(line);
+    if (!problem.isEmpty())
+        m_view->say(QStringLiteral("videodown: the log cannot be written: ") + problem);
+}
+
+void Session::say(const QString &line)
+{
+    m_view->say(line);
+    log(line);
+}
+
+void Session::note(const QString &line)
+{
+    if (!m_line.quiet)
+        m_view->say(line);
+    log(line);
+}
+
+void Session::tell(const QString &line)
+{
+    if (m_line.verbose)
+        m_view->say(runlog::withoutUsers(line));
+    log(line);
+}
+
+void Session::count(const DownloadResult &result)
+{
+    m_view->ended(result.key);
+    m_finished += int(result.outcome == DownloadOutcome::Finished);
+    m_failed += int(result.outcome == DownloadOutcome::Failed);
+    m_stopped += int(result.outcome == DownloadOutcome::Stopped);
+    const QString summary = resulttext::summaryOf(result);
+    if (isInspection() && result.outcome == DownloadOutcome::Finished)
+        tell(answeredBy(answerSourceOf(result.offer.fmtList()), resulttext::nameOf(result)));
+    else if (summary.isEmpty())
+        tell(QStringLiteral("finished: ") + resulttext::nameOf(result));
+    else if (result.outcome == DownloadOutcome::Failed)
+        say(summary);
+    else
+        note(summary);
+}
+
+void Session::announceSummary()
+{
+    QString summary = QStringLiteral("%1 finished, %2 failed").arg(m_finished).arg(m_failed);
+    if (m_stopped > 0)
+        summary += QStringLiteral(", %1 stopped").arg(m_stopped);
+    note(summary);
+}
