@@ -62,7 +62,10 @@ public:
      * @return the reason in English why the history cannot be used; empty on success
      */
     QString open();
-    /** Where a damaged history was set aside by `open`; empty when it was intact. */
+    /**
+     * Where a damaged history was set aside by `open`; empty when it was intact. The version before
+     * it, when there was one, is kept beside it, as that name with ".previous".
+     */
     QString setAsidePath() const;
     /** Where a journal of another history was set aside by `open`; empty when there was none. */
     QString setAsideJournal() const;

@@ -89,6 +89,9 @@ QString HistoryKeeper::setAside()
     std::filesystem::create_hard_link(disk::native(m_path), disk::native(aside), error);
     if (error && !QFile::rename(m_path, aside))
         return tr("%1 is damaged and cannot be set aside").arg(m_path);
+    // The saves to come would replace the version before, which may have what the damaged one lost.
+    std::filesystem::create_hard_link(disk::native(m_path + QLatin1String(".previous")),
+                                      disk::native(aside + QLatin1String(".previous")), error);
     m_setAside = aside;
     m_open = true;
     return save();

@@ -3,6 +3,7 @@
 #include "clifixture.h"
 #include "instancelink.h"
 #include "mainwindow.h"
+#include "noticebar.h"
 #include "settingsdialog.h"
 
 #include <QAbstractItemModelTester>
@@ -252,7 +253,7 @@ private slots:
         // Meanwhile the window can only read.
         auto reader = openWindow();
         QVERIFY(!reader->findChild<QMessageBox *>());
-        QVERIFY(reader->statusBar()->findChildren<QLabel *>().first()->text().contains(
+        QVERIFY(reader->findChild<NoticeBar *>()->text().contains(
             QString::number(process.processId())));
         reader->addAddresses({page("small-4")});
         const auto *refusal = reader->findChild<QMessageBox *>();
@@ -268,6 +269,26 @@ private slots:
         QTRY_COMPARE(stateOf(*window, "small-3"), u"Finished"_s);
         QCOMPARE(window->model().rowCount(), 1);
         closeWindow(*window);
+    }
+
+    // It is told once, and neither what the damage took nor what it left gets lost.
+    void damagedHistoryIsTold()
+    {
+        for (const char *video : {"small-1", "small-2"})
+            QCOMPARE(run({u"get"_s, u"--history"_s, u"history.xml"_s, page(video)}).code, 0);
+        QFile history(path("history.xml"));
+        QVERIFY(history.resize(contents(history.fileName()).lastIndexOf("<Info>") + 40));
+        for (const bool told : {true, false}) {
+            auto window = openWindow();
+            const auto *box = window->findChild<QMessageBox *>();
+            QCOMPARE(box != nullptr, told);
+            const QStringList kept = QDir(m_root->path()).entryList({u"history.xml.damaged-*"_s});
+            QCOMPARE(kept.size(), 2);
+            QVERIFY(!told || box->text().contains(kept.first()));
+            QVERIFY(contents(m_root->filePath(kept.last())).contains("small-1"));
+            QCOMPARE(stateOf(*window, "small-1"), u"Finished"_s);
+            closeWindow(*window);
+        }
     }
 
     void addressesInTexts_data()

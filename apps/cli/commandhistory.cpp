@@ -20,8 +20,9 @@ bool reportOpened(const QString &problem, const HistoryKeeper &keeper)
     if (!problem.isEmpty())
         warn(problem);
     else if (!keeper.setAsidePath().isEmpty())
-        warn(QStringLiteral("the history was damaged; what could be read of it was kept, and the "
-                            "damaged file is now %1")
+        warn(QStringLiteral("the history was damaged; what could be read of it was kept. The "
+                            "damaged file is now %1; the version before it, if there was one, is "
+                            "beside it with \".previous\" added to the name")
                  .arg(keeper.setAsidePath()));
     if (!keeper.setAsideJournal().isEmpty())
         warn(QStringLiteral("the journal beside the history belongs to another history; it is now "

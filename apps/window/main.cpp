@@ -50,7 +50,8 @@ void translate(QApplication &application)
         QApplication::installTranslator(qt);
 }
 
-// `late` is what second starts handed over while the window was closing.
+// `late` is what second starts handed over while the window was closing; empty when the user only
+// wants a new one.
 int runWindow(const QString &history, const QStringList &addresses, InstanceLink &link,
               std::optional<QStringList> &late)
 {
@@ -66,6 +67,10 @@ int runWindow(const QString &history, const QStringList &addresses, InstanceLink
     });
     QObject::connect(&window, &MainWindow::opened, &window,
                      [&] { window.addAddresses(addresses); });
+    QObject::connect(&window, &MainWindow::reopenWanted, &window, [&] {
+        late = late.value_or(QStringList());
+        window.close();
+    });
     QObject::connect(&window, &MainWindow::closed, qApp, &QCoreApplication::quit);
     window.start();
     window.show();

@@ -3,6 +3,7 @@
 #include "adddialog.h"
 #include "columnmenu.h"
 #include "detailspane.h"
+#include "noticebar.h"
 #include "progressdelegate.h"
 
 #include <QApplication>
@@ -16,6 +17,7 @@
 #include <QStyle>
 #include <QToolBar>
 #include <QTreeView>
+#include <QVBoxLayout>
 
 namespace {
 
@@ -104,10 +106,18 @@ void MainWindow::makeView()
     m_view->header()->setStretchLastSection(false);
     m_view->header()->setSectionResizeMode(TaskModel::Title, QHeaderView::Stretch);
     const int unit = fontMetrics().averageCharWidth();
-    const int widths[] = {0, 30, 14, 14, 14, 12, 26};
+    const int widths[] = {0, 40, 14, 14, 14, 12, 26};
     for (int column = TaskModel::State; column < TaskModel::ColumnCount; ++column)
         m_view->setColumnWidth(column, widths[column] * unit);
-    setCentralWidget(m_view);
+    m_notice = new NoticeBar(this);
+    connect(m_notice, &NoticeBar::pressed, this, &MainWindow::reopenWanted);
+    auto *centre = new QWidget(this);
+    auto *layout = new QVBoxLayout(centre);
+    layout->setContentsMargins({});
+    layout->setSpacing(0);
+    layout->addWidget(m_notice);
+    layout->addWidget(m_view);
+    setCentralWidget(centre);
     connect(m_view->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &MainWindow::selectionChanged);
     connect(m_view, &QTreeView::activated, this, &MainWindow::openFile);

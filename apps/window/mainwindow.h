@@ -17,6 +17,7 @@
 
 class AddDialog;
 class DetailsPane;
+class NoticeBar;
 class QComboBox;
 class QLineEdit;
 class QTreeView;
@@ -52,6 +53,8 @@ signals:
     void opened();
     /** Everything is stopped and saved. */
     void closed();
+    /** The user wants the history, which can only be read, to be opened again by a new window. */
+    void reopenWanted();
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -87,6 +90,7 @@ private:
 
     // What the worker reports (windowevents.cpp)
     void historyOpened(const OpenedHistory &history);
+    void tellDamage(const QString &text);
     void historyClosed(const QString &problem);
     void showTotals(const DownloadTotals &totals);
     void rowsChanged(const QList<TaskRow> &rows);
@@ -136,6 +140,7 @@ private:
     QThread m_thread;
     Worker *m_worker; // lives on m_thread, which deletes it
     QTreeView *m_view = nullptr;
+    NoticeBar *m_notice = nullptr;
     DetailsPane *m_details = nullptr;
     QLineEdit *m_search = nullptr;
     QComboBox *m_group = nullptr;

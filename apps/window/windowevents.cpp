@@ -2,6 +2,7 @@
 #include "adddialog.h"
 #include "detailspane.h"
 #include "mainwindow.h"
+#include "noticebar.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -35,19 +36,19 @@ void MainWindow::historyOpened(const OpenedHistory &history)
 {
     m_readOnly = !history.problem.isEmpty();
     if (m_readOnly)
-        m_state.setText(tr("For reading only: %1").arg(history.problem));
+        m_notice->show(tr("For reading only: %1").arg(history.problem), tr("Open a&gain"));
     updateActions();
     emit opened();
     if (!history.setAside.isEmpty())
-        QMessageBox::warning(this, windowTitle(),
-                             tr("The history was damaged. What could be read of it is in the list; "
-                                "the damaged file was kept as\n%1")
-                                 .arg(history.setAside));
+        tellDamage(
+            tr("The history was damaged. What could be read of it is in the list.\n\nThe damaged "
+               "file was kept as\n%1\nThe version before it, if there was one, is beside it, "
+               "with “.previous” added to the name.")
+                .arg(history.setAside));
     if (!history.setAsideJournal.isEmpty())
-        QMessageBox::warning(this, windowTitle(),
-                             tr("The journal beside the history belongs to another history. It was "
-                                "kept as\n%1")
-                                 .arg(history.setAsideJournal));
+        tellDamage(tr("The journal beside the history belongs to another history. It was kept "
+                      "as\n%1")
+                       .arg(history.setAsideJournal));
     if (history.interrupted == 0 || m_readOnly)
         return;
     auto *question = new QMessageBox(
@@ -58,6 +59,14 @@ void MainWindow::historyOpened(const OpenedHistory &history)
     connect(question, &QMessageBox::accepted, this,
             [this] { callWorker([worker = m_worker] { worker->resumeInterrupted(); }); });
     question->open();
+}
+
+void MainWindow::tellDamage(const QString &text)
+{
+    auto *box = new QMessageBox(QMessageBox::Warning, windowTitle(), text, QMessageBox::Ok, this);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    box->open();
 }
 
 void MainWindow::showTotals(const DownloadTotals &totals)

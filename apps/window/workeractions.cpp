@@ -122,6 +122,7 @@ void Worker::remove(const QStringList &keys, bool deleteFiles)
     if (gone.isEmpty())
         return;
     emit rowsRemoved(gone);
+    emit totalsChanged(m_session->driver().totals());
     if (!save() || !deleteFiles)
         return;
     for (const auto &record : std::as_const(removed)) {

@@ -592,12 +592,6 @@
         <translation>Nur zum Lesen: %1</translation>
     </message>
     <message>
-        <source>The history was damaged. What could be read of it is in the list; the damaged file was kept as
-%1</source>
-        <translation>Der Verlauf war beschädigt. Was sich davon lesen ließ, steht in der Liste; die beschädigte Datei liegt unter
-%1</translation>
-    </message>
-    <message>
         <source>The journal beside the history belongs to another history. It was kept as
 %1</source>
         <translation>Das Journal neben dem Verlauf gehört zu einem anderen Verlauf. Es liegt unter
@@ -659,6 +653,22 @@
             <numerusform>%n Video nicht hinzugefügt: Der Verlauf kann nur gelesen werden.</numerusform>
             <numerusform>%n Videos nicht hinzugefügt: Der Verlauf kann nur gelesen werden.</numerusform>
         </translation>
+    </message>
+    <message>
+        <source>Open a&amp;gain</source>
+        <translation>&amp;Neu öffnen</translation>
+    </message>
+    <message>
+        <source>The history was damaged. What could be read of it is in the list.
+
+The damaged file was kept as
+%1
+The version before it, if there was one, is beside it, with “.previous” added to the name.</source>
+        <translation>Der Verlauf war beschädigt. Was davon zu lesen war, steht in der Liste.
+
+Die beschädigte Datei liegt nun unter
+%1
+Die Fassung davor, falls es eine gab, liegt daneben, mit angehängtem „.previous“.</translation>
     </message>
 </context>
 <context>
