@@ -85,7 +85,7 @@ void MainWindow::start()
                                     "the program ends."));
     });
     if (!m_settings.proxy.user.isEmpty())
-        m_passwords.read(m_settings.proxy.user + u'@' + m_settings.proxy.host);
+        m_passwords.read(m_settings.proxy.account());
 }
 
 void MainWindow::makeView()

@@ -16,6 +16,9 @@ struct ProxySettings
     int port = 8080;
     QString user;
     QString password; ///< never in QSettings: see passwords.h
+
+    /** Under which the keyring has the password. */
+    QString account() const { return user + u'@' + host; }
 };
 
 /** A plain value. */

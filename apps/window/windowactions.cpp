@@ -17,6 +17,7 @@
 #include <QUrl>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -193,11 +194,15 @@ void MainWindow::showSettings()
     SettingsDialog dialog(m_settings, m_passwords.isAvailable(), this);
     if (dialog.exec() != QDialog::Accepted)
         return;
-    m_settings = dialog.settings();
+    const ProxySettings former = std::exchange(m_settings, dialog.settings()).proxy;
     m_settings.save(m_stored);
-    if (!m_settings.proxy.user.isEmpty())
-        m_passwords.write(m_settings.proxy.user + u'@' + m_settings.proxy.host,
-                          m_settings.proxy.password);
+    const ProxySettings &proxy = m_settings.proxy;
+    const bool isOther = proxy.account() != former.account();
+    if (isOther && !former.user.isEmpty())
+        m_passwords.write(former.account(), {});
+    // The keyring may not have answered yet: an unchanged password is not written over its own.
+    if (!proxy.user.isEmpty() && (isOther || proxy.password != former.password))
+        m_passwords.write(proxy.account(), proxy.password);
     m_tray.setVisible(m_settings.trayIcon && QSystemTrayIcon::isSystemTrayAvailable());
     callWorker([worker = m_worker, settings = m_settings] { worker->applySettings(settings); });
 }
