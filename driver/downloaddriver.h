@@ -44,8 +44,8 @@ public:
         std::function<QString(double)> failureText;
         /** What the user can do about it; may be empty. */
         std::function<QString(double)> failureAdvice;
-        /** What the user can do about a page that offers nothing. */
-        QString offerAdvice = QStringLiteral("Look at the page in a browser.");
+        /** What the user can do about a page that offers nothing; empty: look at the page. */
+        QString offerAdvice;
         /**
          * Whether a video's failure may come from a stream address that is no longer good; may be
          * empty: none does. Such a task asks the site for new addresses, once, and continues with

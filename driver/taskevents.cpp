@@ -137,7 +137,10 @@ std::optional<FailureReason> Dispatcher::takeAnswer(Task &task, DownloadResult &
     task.offer = VideoOffer(record->fmt_list, record->fmt_stream_map);
     result.seconds = record->Duration;
     if (task.offer.formats().isEmpty())
-        return nothingOffered(record->VideoInfoText, m_settings.offerAdvice);
+        return nothingOffered(record->VideoInfoText,
+                              m_settings.offerAdvice.isEmpty()
+                                  ? Texts::tr("Look at the page in a browser.")
+                                  : m_settings.offerAdvice);
     // An upgrade replaces the thumbnail too, but only once it is sure.
     if (m_settings.thumbnails && !record->ImageURL.isEmpty() && !task.upgrade && !task.refreshed &&
         !task.request.inspectOnly)

@@ -13,6 +13,7 @@
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QScreen>
 #include <QStatusBar>
 #include <QStyle>
 #include <QToolBar>
@@ -106,7 +107,7 @@ void MainWindow::makeView()
     m_view->header()->setStretchLastSection(false);
     m_view->header()->setSectionResizeMode(TaskModel::Title, QHeaderView::Stretch);
     const int unit = fontMetrics().averageCharWidth();
-    const int widths[] = {0, 40, 14, 14, 14, 12, 26};
+    const int widths[] = {0, 34, 14, 14, 14, 12, 24};
     for (int column = TaskModel::State; column < TaskModel::ColumnCount; ++column)
         m_view->setColumnWidth(column, widths[column] * unit);
     m_notice = new NoticeBar(this);
@@ -221,7 +222,7 @@ void MainWindow::makeActions()
                                      Qt::CTRL | Qt::Key_T, &MainWindow::convertTasks);
     QAction *remove = named(addTaskAction(A::Remove, tr("Re&move from list"), {},
                                           QKeySequence::Delete, &MainWindow::removeTasks),
-                            "list-remove", QStyle::SP_DialogCloseButton);
+                            "list-remove", QStyle::SP_DialogCancelButton);
     QAction *erase = named(addTaskAction(A::Remove, tr("&Delete files…"), {},
                                          Qt::SHIFT | Qt::Key_Delete, &MainWindow::deleteTasks),
                            "edit-delete", QStyle::SP_TrashIcon);
@@ -292,7 +293,9 @@ void MainWindow::makeTray()
 
 void MainWindow::restoreLook()
 {
-    resize(1200, 720);
+    const QFontMetrics metrics = fontMetrics();
+    resize(QSize(200 * metrics.averageCharWidth(), 52 * metrics.lineSpacing())
+               .boundedTo(screen()->availableSize() * 0.95));
     restoreGeometry(m_stored.value(QStringLiteral("look/geometry")).toByteArray());
     restoreState(m_stored.value(QStringLiteral("look/state")).toByteArray());
     m_view->header()->restoreState(m_stored.value(QStringLiteral("look/columns")).toByteArray());

@@ -1155,6 +1155,10 @@ Die Fassung davor, falls es eine gab, liegt daneben, mit angehängtem „.previo
         <source>Make its folder writable, and rename the file.</source>
         <translation>Machen Sie den Ordner schreibbar, und benennen Sie die Datei um.</translation>
     </message>
+    <message>
+        <source>Look at the page in a browser.</source>
+        <translation>Sehen Sie sich die Seite in einem Browser an.</translation>
+    </message>
 </context>
 <context>
     <name>WishWidget</name>
