@@ -1,6 +1,9 @@
 #include "taskengine/downloadjob.h"
 
+#include "taskengine/address.h"
+
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace taskengine {
@@ -8,6 +11,9 @@ namespace taskengine {
 namespace {
 
 constexpr std::chrono::milliseconds reportInterval{250};
+constexpr std::chrono::milliseconds saveInterval{500}; ///< a kill costs no more work than this
+
+constexpr std::int64_t endless = std::numeric_limits<std::int64_t>::max();
 
 /** What nobody takes up again is not left behind. */
 void leavePart(PartFile &part, bool mayContinue)
@@ -48,6 +54,11 @@ private:
 
 } // namespace
 
+DownloadJob::DownloadJob(RequestPointer request, const JobContext &context)
+    : TransferJob(std::move(request), context), m_others(context, Job::request())
+{
+}
+
 Clock::time_point DownloadJob::wakeTime() const
 {
     return std::min(TransferJob::wakeTime(), Clock::now() + reportInterval);
@@ -55,15 +66,28 @@ Clock::time_point DownloadJob::wakeTime() const
 
 void DownloadJob::beginTry()
 {
-    m_complete = false;
-    m_end = -1;
     if (const auto fault = openPart()) {
         fail(*fault);
         return;
     }
-    m_asked = m_part->size();
-    m_meter.restart(m_asked, Clock::now());
-    fetch({request().record.szDownloadURL, m_asked, m_part->facts().validator});
+    m_meter.restart(m_part->size(), Clock::now());
+    m_mayShare = false;
+    fetchGap();
+}
+
+/** The last gap is asked for without its end, as sites know it from those who continue a file. */
+void DownloadJob::fetchGap()
+{
+    m_complete = false;
+    m_firstDone = false;
+    m_end = -1;
+    m_asked = m_part->pieces().firstMissing();
+    const PartFacts &facts = m_part->facts();
+    const std::vector<Piece> gaps = m_part->pieces().missing({m_asked, facts.total});
+    m_rest = {m_asked, gaps.empty() ? endless : gaps.front().end};
+    m_seat.emplace(context().hosts, hostOf(request().record.szDownloadURL));
+    fetch({request().record.szDownloadURL, m_asked, gaps.size() > 1 ? m_rest.end : -1,
+           facts.validator});
 }
 
 /** Ready to go on at its end, or empty. */
@@ -86,6 +110,46 @@ void DownloadJob::work(Clock::time_point now)
 {
     report(now);
     TransferJob::work(now);
+    if (!isTrying())
+        return;
+    if (const auto fault = workTogether(now))
+        fail(*fault);
+}
+
+std::optional<Fault> DownloadJob::workTogether(Clock::time_point now)
+{
+    if (m_mayShare) {
+        if (const auto fault = m_others.work(*m_part, m_firstDone ? nullptr : &m_rest, now))
+            return fault;
+    }
+    return m_firstDone && m_others.isIdle() && !isPaused() ? goOnAlone() : std::nullopt;
+}
+
+std::optional<Fault> DownloadJob::goOnAlone()
+{
+    if (isWhole())
+        return complete();
+    fetchGap();
+    return std::nullopt;
+}
+
+void DownloadJob::cutTry()
+{
+    TransferJob::cutTry();
+    m_seat.reset();
+    m_others.giveUp();
+}
+
+void DownloadJob::setPaused(bool paused)
+{
+    TransferJob::setPaused(paused);
+    m_others.setPaused(paused);
+}
+
+/** Also when another connection has fetched what the answer would bring next. */
+bool DownloadJob::isComplete() const
+{
+    return m_complete || (m_rest.length() == 0 && m_rest.end < m_end);
 }
 
 std::optional<Fault> DownloadJob::judge(const ResponseHead &head)
@@ -118,10 +182,12 @@ std::optional<Fault> DownloadJob::beginWhole(const ResponseHead &head)
         if (const auto fault = m_part->restart())
             return fault;
     }
-    m_end = head.length;
+    m_end = head.length < 0 ? endless : head.length;
+    m_rest = {0, m_end};
     m_begun = Clock::now();
     if (isVideo())
         m_part->remember(head.length, head.validator);
+    m_mayShare = isVideo() && head.acceptsRanges && head.length > 0 && !head.validator.empty();
     return expect(head.length);
 }
 
@@ -136,6 +202,9 @@ std::optional<Fault> DownloadJob::continuePart(const ResponseHead &head)
     if (!isSameFile || head.range->first != m_asked)
         return startOver();
     m_end = head.range->last + 1;
+    if (m_end > std::min(m_rest.end, facts.total))
+        return startOver();
+    m_mayShare = true;
     return expect(facts.total);
 }
 
@@ -163,19 +232,21 @@ std::optional<Fault> DownloadJob::expect(std::int64_t total)
         m_sizeReported = total;
         post(DOWN_STATE_FILE_SIZE, static_cast<double>(total));
     }
-    if (!m_part->hasSpaceFor(total - m_part->size()))
+    if (!m_part->hasSpaceFor(total))
         return permanent(Failure::DiskFull);
     return std::nullopt;
 }
 
 std::optional<Fault> DownloadJob::take(const char *data, std::size_t length)
 {
-    const std::int64_t end = m_part->size() + static_cast<std::int64_t>(length);
-    if (m_end >= 0 && end > m_end)
+    const std::int64_t end = m_rest.first + static_cast<std::int64_t>(length);
+    if (end > m_end)
         return startOver();
     if (!isVideo() && end > static_cast<std::int64_t>(options().imageLimit))
         return permanent(Failure::ResponseTooLarge);
-    const auto fault = m_part->append(data, length);
+    const std::int64_t wanted = std::min(end, m_rest.end) - m_rest.first;
+    const auto fault = m_part->write(m_rest.first, data, static_cast<std::size_t>(wanted));
+    m_rest.first += wanted;
     report(Clock::now());
     return fault;
 }
@@ -184,6 +255,11 @@ std::optional<Fault> DownloadJob::complete()
 {
     if (const auto fault = judgeLength())
         return fault;
+    m_firstDone = true;
+    m_seat.reset();
+    if (!isWhole())
+        return std::nullopt;
+    m_others.giveUp();
     const std::int64_t size = m_part->size();
     if (isVideo() && size != m_sizeReported)
         post(DOWN_STATE_FILE_SIZE, static_cast<double>(size));
@@ -201,7 +277,7 @@ std::optional<Fault> DownloadJob::judgeLength() const
 {
     if (m_part->size() == 0)
         return permanent(Failure::EmptyResponse);
-    if (m_total >= 0 && m_part->size() < m_total)
+    if (m_total >= 0 && !m_complete && m_rest.length() > 0)
         return transient(Failure::ShortBody);
     return std::nullopt;
 }
@@ -215,12 +291,22 @@ void DownloadJob::warnNoResume()
 
 void DownloadJob::report(Clock::time_point now)
 {
-    if (now - m_begun >= reportInterval)
-        m_part->saveFacts(); // what takes so long may be interrupted, and is worth continuing
+    saveFacts(now);
     if (const auto position = m_meter.progress(m_part->size(), now))
         post(DOWN_STATE_DOWNLOAD_PROGRESS, static_cast<double>(*position));
     if (const auto speed = m_meter.speed(m_part->size(), now))
         post(DOWN_STATE_DOWNLOAD_SPEED, std::max(*speed, 0.0));
+}
+
+/** What takes so long may be interrupted, and is worth continuing. */
+void DownloadJob::saveFacts(Clock::time_point now)
+{
+    if (now - m_begun >= reportInterval)
+        m_part->saveFacts();
+    if (now - m_saved < saveInterval)
+        return;
+    m_saved = now;
+    m_part->savePieces();
 }
 
 } // namespace taskengine

@@ -3,6 +3,7 @@
 #define VIDEODOWN_TASKENGINE_JOB_H
 
 #include "taskengine/fault.h"
+#include "taskengine/hostconnections.h"
 #include "taskengine/request.h"
 #include "taskengine/requestheaders.h"
 #include "taskengine/transfer.h"
@@ -21,6 +22,7 @@ struct JobContext
     RateLimit &rate;
     EventDispatcher &events;
     RequestHeaders &headers;
+    HostConnections &hosts;
     std::unordered_set<std::string> &mutes; ///< hosts that have no video-info responses
 };
 
@@ -70,6 +72,7 @@ protected:
     CURLM *multi() const { return m_context.multi; }
     RequestHeaders &headers() const { return m_context.headers; }
     bool isPaused() const { return m_paused; }
+    bool isTrying() const { return !m_waiting && !m_over; }
 
     void post(tagDownloadStateCode code, double value = 0);
 

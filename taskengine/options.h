@@ -102,6 +102,13 @@ struct Options
     std::vector<std::string> fallbackCommand;
     /** How long a command may run, pauses not counted. */
     std::chrono::milliseconds commandTimeLimit{60000};
+    /**
+     * Most connections that a video may have, up to 16; 0: as many as `nEngineParam1` says. With 1
+     * the engine asks for nothing but what the first connection brings.
+     */
+    int connections = 0;
+    /** Fewest bytes of which a further connection is asked for half, in each half. */
+    std::size_t leastPiece = std::size_t{1} << 20;
     /** How long it may take to look a host up and connect to it; 0 leaves it to libcurl (300 s). */
     std::chrono::milliseconds connectTimeLimit{30000};
     /** Fewer bytes per second than this, on the average of `lowSpeedTime`, time a transfer out. */

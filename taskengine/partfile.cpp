@@ -2,10 +2,13 @@
 
 #include "taskengine/unfinishedfiles.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <fcntl.h>
 #include <fstream>
+#include <istream>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
@@ -16,6 +19,10 @@ namespace taskengine {
 namespace {
 
 constexpr const char *factsHeading = "videodown part 1";
+constexpr const char *piecesHeading = "videodown part 2";
+constexpr const char *piecesKey = "pieces ";
+constexpr const char *lineEnd = " .";
+constexpr const char *onDisk = "disk"; ///< in the place of a boot: these pieces outlast it
 
 bool isSameFile(int file, const std::string &path)
 {
@@ -23,6 +30,53 @@ bool isSameFile(int file, const std::string &path)
     struct stat named = {};
     return ::fstat(file, &opened) == 0 && ::lstat(path.c_str(), &named) == 0 &&
            opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
+}
+
+/** What the system had not written yet when it went down is lost, whatever the facts say. */
+std::string currentBoot()
+{
+    std::ifstream file("/proc/sys/kernel/random/boot_id");
+    std::string boot;
+    file >> boot;
+    return boot.empty() ? "unknown" : boot;
+}
+
+bool endsWith(const std::string &text, const std::string &end)
+{
+    return text.size() >= end.size() &&
+           text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+
+/** "pieces BOOT 0-10 20-30 ."; lines that a kill or a full disk cut off have no end. */
+std::optional<PieceSet> parsePiecesLine(const std::string &line)
+{
+    const std::string key = piecesKey;
+    if (line.compare(0, key.size(), key) != 0 || !endsWith(line, lineEnd))
+        return std::nullopt;
+    const std::size_t space = line.find(' ', key.size());
+    const std::string boot = line.substr(key.size(), space - key.size());
+    if (boot != onDisk && boot != currentBoot())
+        return std::nullopt;
+    return PieceSet::parse(line.substr(space, line.size() - space - std::strlen(lineEnd)));
+}
+
+/** @return the newest pieces that can be trusted; none when the file does not have them */
+PieceSet readPieces(std::istream &file, std::int64_t length)
+{
+    PieceSet pieces;
+    for (std::string line; std::getline(file, line);) {
+        const auto read = parsePiecesLine(line);
+        if (read && read->firstMissing() > 0)
+            pieces = *read;
+    }
+    if (pieces.end() > length)
+        pieces.clear();
+    return pieces;
+}
+
+bool writeAll(int file, const std::string &text)
+{
+    return ::write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size());
 }
 
 int openNoFollow(const std::string &path, int flags)
@@ -46,13 +100,15 @@ std::optional<Fault> PartFile::open(const std::string &target, const std::string
     if (const auto fault = openLocked())
         return fault;
     m_facts = {};
-    m_size = ::lseek(m_file, 0, SEEK_END);
+    m_pieces.clear();
+    m_hasPieces = false;
+    const std::int64_t length = ::lseek(m_file, 0, SEEK_END);
     m_factsSaved = true; // for all that is known
-    if (m_size == 0) {
+    if (length == 0) {
         removeFacts();
         return std::nullopt;
     }
-    loadFacts();
+    loadFacts(length);
     return canContinue() ? std::nullopt : restart();
 }
 
@@ -74,7 +130,7 @@ std::optional<Fault> PartFile::openLocked()
     }
 }
 
-void PartFile::loadFacts()
+void PartFile::loadFacts(std::int64_t length)
 {
     std::ifstream file(m_factsPath);
     std::string heading;
@@ -83,22 +139,29 @@ void PartFile::loadFacts()
     std::getline(file, facts.key);
     std::getline(file, facts.validator);
     file >> facts.total;
-    if (file && heading == factsHeading && facts.key == m_key)
-        m_facts = facts;
+    m_hasPieces = heading == piecesHeading;
+    if (!file || !(m_hasPieces || heading == factsHeading) || facts.key != m_key)
+        return;
+    m_facts = facts;
+    if (m_hasPieces)
+        m_pieces = readPieces(file, length);
+    else
+        m_pieces.add({0, length});
 }
 
 bool PartFile::canContinue() const
 {
-    return m_size > 0 && !m_facts.validator.empty() && m_size <= m_facts.total;
+    return size() > 0 && !m_facts.validator.empty() && m_pieces.end() <= m_facts.total;
 }
 
 std::optional<Fault> PartFile::restart()
 {
     removeFacts();
     m_facts = {};
-    if (::ftruncate(m_file, 0) != 0 || ::lseek(m_file, 0, SEEK_SET) != 0)
+    m_pieces.clear();
+    m_hasPieces = false;
+    if (::ftruncate(m_file, 0) != 0)
         return fileFault(errno);
-    m_size = 0;
     return std::nullopt;
 }
 
@@ -120,8 +183,7 @@ void PartFile::saveFacts()
     const int file = openNoFollow(m_factsPath, O_WRONLY | O_CREAT | O_EXCL);
     if (file < 0)
         return;
-    const bool written =
-        ::write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+    const bool written = writeAll(file, text);
     if (::close(file) != 0 || !written)
         ::unlink(m_factsPath.c_str());
 }
@@ -133,24 +195,70 @@ void PartFile::removeFacts()
     m_factsSaved = false;
 }
 
-std::optional<Fault> PartFile::append(const char *data, std::size_t length)
+/** The order matters: no byte may lie behind a gap before the facts say that there are gaps. */
+std::optional<Fault> PartFile::allowPieces()
+{
+    if (m_hasPieces)
+        return std::nullopt;
+    if (::fallocate(m_file, FALLOC_FL_KEEP_SIZE, 0, m_facts.total) != 0) {
+        const Fault fault = fileFault(errno);
+        return fault.is(Failure::DiskFull) ? std::optional<Fault>(fault) : std::nullopt;
+    }
+    saveFacts();
+    m_hasPieces = addPiecesLine(currentBoot()) && markPieces();
+    return std::nullopt;
+}
+
+void PartFile::savePieces()
+{
+    if (m_hasPieces)
+        addPiecesLine(currentBoot());
+}
+
+bool PartFile::addPiecesLine(const std::string &where) const
+{
+    const int file = openNoFollow(m_factsPath, O_WRONLY | O_APPEND);
+    if (file < 0)
+        return false;
+    const bool written =
+        writeAll(file, "\n" + std::string(piecesKey) + where + " " + m_pieces.text() + lineEnd);
+    return ::close(file) == 0 && written;
+}
+
+/** One byte, which no kill can leave half written. */
+bool PartFile::markPieces() const
+{
+    const int file = openNoFollow(m_factsPath, O_WRONLY);
+    if (file < 0)
+        return false;
+    const auto digit = static_cast<off_t>(std::strlen(piecesHeading) - 1);
+    const bool written = ::pwrite(file, piecesHeading + digit, 1, digit) == 1;
+    return ::close(file) == 0 && written;
+}
+
+std::optional<Fault> PartFile::write(std::int64_t offset, const char *data, std::size_t length)
 {
     while (length > 0) {
-        const ssize_t written = ::write(m_file, data, length);
+        const ssize_t written = ::pwrite(m_file, data, length, offset);
         if (written < 0 && errno != EINTR)
             return fileFault(errno);
         if (written <= 0)
             continue;
+        m_pieces.add({offset, offset + written});
         data += written;
         length -= static_cast<std::size_t>(written);
-        m_size += written;
+        offset += written;
     }
     return std::nullopt;
 }
 
-bool PartFile::hasSpaceFor(std::int64_t bytes) const
+bool PartFile::hasSpaceFor(std::int64_t total) const
 {
     struct statvfs system = {};
+    struct stat file = {};
+    if (::fstat(m_file, &file) != 0)
+        return true;
+    const std::int64_t bytes = total - std::max<std::int64_t>(size(), file.st_blocks * 512);
     if (bytes <= 0 || ::fstatvfs(m_file, &system) != 0 || system.f_blocks == 0)
         return true; // some network file systems do not say
     return static_cast<std::uint64_t>(bytes) / system.f_frsize <= system.f_bavail;
@@ -159,6 +267,8 @@ bool PartFile::hasSpaceFor(std::int64_t bytes) const
 /** The copy of the descriptor holds the lock until the name has changed. */
 std::optional<Fault> PartFile::commit(const std::string &target)
 {
+    if (m_hasPieces && size() != m_facts.total)
+        return permanent(Failure::Internal);
     const int lock = ::dup(m_file);
     if (lock < 0)
         return fileFault(errno);
@@ -180,6 +290,8 @@ void PartFile::keep()
         return;
     }
     saveFacts();
+    if (m_hasPieces)
+        addPiecesLine(::fdatasync(m_file) == 0 ? onDisk : currentBoot());
     close();
 }
 

@@ -3,6 +3,7 @@
 #define VIDEODOWN_TASKENGINE_PARTFILE_H
 
 #include "taskengine/fault.h"
+#include "taskengine/pieceplan.h"
 
 #include <cstdint>
 #include <optional>
@@ -21,6 +22,10 @@ struct PartFacts
 /**
  * A file beside the target that becomes the target when it is complete. Locked while it is open, so
  * that two requests (or processes) never write the same one.
+ *
+ * At first the file's length says what is there of it. One that is filled in any order has its
+ * pieces in its facts; these are added as lines of which the last whole one counts, so that a kill
+ * at any moment leaves the one or the other.
  */
 class PartFile
 {
@@ -37,7 +42,9 @@ public:
     std::optional<Fault> open(const std::string &target, const std::string &key);
 
     bool isOpen() const { return m_file >= 0; }
-    std::int64_t size() const { return m_size; }
+    /** @return how many of its bytes are there */
+    std::int64_t size() const { return m_pieces.bytes(); }
+    const PieceSet &pieces() const { return m_pieces; }
     const PartFacts &facts() const { return m_facts; }
 
     /** @return whether the site can be asked for the rest */
@@ -52,10 +59,24 @@ public:
     /** Writes the facts beside the file, unless that is done or they allow nothing. */
     void saveFacts();
 
-    std::optional<Fault> append(const char *data, std::size_t length);
+    /**
+     * Reserves the space of the whole file and notes its pieces, so that `write` may leave gaps.
+     * Does nothing where that is impossible; see `hasPieces`.
+     * @return a fault when there is not the space
+     */
+    std::optional<Fault> allowPieces();
 
-    /** @return whether the file system has `bytes` left */
-    bool hasSpaceFor(std::int64_t bytes) const;
+    /** @return whether there may be gaps */
+    bool hasPieces() const { return m_hasPieces; }
+
+    /** Notes the pieces, if there may be gaps. */
+    void savePieces();
+
+    /** Writes at `offset`; leaves no gap unless there may be some. */
+    std::optional<Fault> write(std::int64_t offset, const char *data, std::size_t length);
+
+    /** @return whether the file system has the space for what is missing of `total` bytes */
+    bool hasSpaceFor(std::int64_t total) const;
 
     /** Makes the file the target. */
     std::optional<Fault> commit(const std::string &target);
@@ -68,7 +89,9 @@ public:
 
 private:
     std::optional<Fault> openLocked();
-    void loadFacts();
+    void loadFacts(std::int64_t length);
+    bool addPiecesLine(const std::string &where) const;
+    bool markPieces() const;
     void removeFacts();
     void close();
 
@@ -76,8 +99,9 @@ private:
     std::string m_factsPath;
     PartFacts m_facts;
     std::string m_key;
-    std::int64_t m_size = 0;
+    PieceSet m_pieces;
     int m_file = -1;
+    bool m_hasPieces = false;  ///< as its facts say
     bool m_factsSaved = false; ///< the facts are in their file
 };
 

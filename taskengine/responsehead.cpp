@@ -132,6 +132,7 @@ ResponseHead responseHead(CURL *easy)
     head.length = length;
     head.mediaType = mediaType(header(easy, "Content-Type"));
     head.validator = strongValidator(easy);
+    head.acceptsRanges = mediaType(header(easy, "Accept-Ranges")) == "bytes";
     head.encoded = isEncoded(easy);
     head.contradictory = hasSeveralLengths(easy);
     head.range = parseContentRange(header(easy, "Content-Range"));

@@ -27,6 +27,7 @@ struct ResponseHead
     std::int64_t length = -1;   ///< bytes announced for the body, -1 when they are not
     std::string mediaType;      ///< lower case, without parameters; empty when not given
     std::string validator;      ///< for If-Range: strong, or empty
+    bool acceptsRanges = false; ///< says that parts can be had
     bool encoded = false;       ///< the body is compressed, although nothing asked for that
     bool contradictory = false; ///< several lengths are announced
     std::optional<ContentRange> range;

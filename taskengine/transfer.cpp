@@ -160,7 +160,9 @@ bool Transfer::setFields(const std::string &address)
     if (m_request.offset == 0)
         return true;
     // Not CURLOPT_RESUME_FROM, which takes any whole answer for an error.
-    const std::string range = std::to_string(m_request.offset) + "-";
+    std::string range = std::to_string(m_request.offset) + "-";
+    if (m_request.end >= 0)
+        range += std::to_string(m_request.end - 1);
     return curl_easy_setopt(m_easy.get(), CURLOPT_RANGE, range.c_str()) == CURLE_OK;
 }
 

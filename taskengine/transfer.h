@@ -43,6 +43,7 @@ struct TransferRequest
 {
     std::string address;
     std::int64_t offset = 0; ///< where to begin; needs a validator when it is not 0
+    std::int64_t end = -1;   ///< where to end, when the offset is not 0; -1: with the file
     std::string validator{}; ///< for If-Range
     /** Further fields, "Name: value"; they reach no other host by a redirect. */
     std::vector<std::string> headers{};

@@ -69,7 +69,7 @@ bool TransferJob::responseBegan()
 bool TransferJob::received(const char *data, std::size_t length)
 {
     m_fault = take(data, length);
-    return !m_fault;
+    return !m_fault && !isComplete();
 }
 
 void TransferJob::transferEnded(CURLcode code)

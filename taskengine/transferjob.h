@@ -23,22 +23,19 @@ protected:
     Fault statusFaultHere() const { return statusFault(m_transfer.easy()); }
 
     void work(Clock::time_point now) override;
+    void cutTry() override;
+    void setPaused(bool paused) override;
 
 private:
-    /** What to do with an answer after its headers. */
-    enum class Verdict { Read, Complete, Refuse };
-
     /** Judges the headers. @return a fault to refuse the answer */
     virtual std::optional<Fault> judge(const ResponseHead &head) = 0;
-    /** @return whether the answer, by its headers, needs no body to be complete */
+    /** @return whether the answer has brought all that it is wanted for */
     virtual bool isComplete() const { return false; }
     /** Takes a piece of the body. */
     virtual std::optional<Fault> take(const char *data, std::size_t length) = 0;
     /** The answer is there, whole as far as HTTP can tell. Calls `finish`, or returns a fault. */
     virtual std::optional<Fault> complete() = 0;
 
-    void cutTry() override;
-    void setPaused(bool paused) override;
     bool responseBegan() final;
     bool received(const char *data, std::size_t length) final;
     void transferEnded(CURLcode code) final;

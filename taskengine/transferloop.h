@@ -50,6 +50,7 @@ private:
     std::atomic<bool> m_stopping{false};
     RateLimit m_rate;                        ///< the thread's own
     RequestHeaders m_headers;                ///< the thread's own
+    HostConnections m_hosts;                 ///< the thread's own
     std::unordered_set<std::string> m_mutes; ///< the thread's own
     Jobs m_jobs;                             ///< the thread's own
     std::vector<curl_waitfd> m_inputs;       ///< the thread's own

@@ -148,7 +148,7 @@ private slots:
         taskengine::PartFile part;
         QVERIFY(!part.open(path("/video"), "key"));
         part.remember(10, "\"a\"");
-        QVERIFY(!part.append("0123", 4));
+        QVERIFY(!part.write(0, "0123", 4));
         part.saveFacts();
         QVERIFY(QFile::exists(facts) && part.canContinue());
         QVERIFY(!part.restart());
@@ -160,7 +160,7 @@ private slots:
         const rlimit tight = {2, old.rlim_max};
         const auto handler = std::signal(SIGXFSZ, SIG_IGN);
         QCOMPARE(::setrlimit(RLIMIT_FSIZE, &tight), 0);
-        const auto fault = part.append("0123", 4);
+        const auto fault = part.write(0, "0123", 4);
         ::setrlimit(RLIMIT_FSIZE, &old);
         (void)std::signal(SIGXFSZ, handler);
         QVERIFY(fault && fault->is(Failure::FileTooLarge));
@@ -281,7 +281,7 @@ private slots:
         taskengine::PartFile left;
         QVERIFY(!left.open(path("/video.flv"), "video"));
         left.remember(10, "\"a\"");
-        QVERIFY(!left.append(part.data(), part.size()));
+        QVERIFY(!left.write(0, part.data(), part.size()));
         left.keep();
         compareFiles({u".video.flv.part-info"_s, u"video.flv.part"_s});
         FaultServer server(answers);
