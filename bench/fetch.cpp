@@ -1,5 +1,6 @@
-// Fetches addresses with the default task engine alone: bench_fetch FOLDER PARALLEL < ADDRESSES
-// Files are named by the number of their line, from 0.
+// Fetches addresses with the default task engine alone:
+//   bench_fetch FOLDER PARALLEL [CONNECTIONS] < ADDRESSES
+// A file gets at most so many connections (1). Files are named by the number of their line, from 0.
 #include "engine/taskengine.h"
 
 #include <condition_variable>
@@ -15,7 +16,8 @@ namespace {
 class Batch
 {
 public:
-    Batch(std::string folder, int parallel) : m_folder(std::move(folder)), m_parallel(parallel)
+    Batch(std::string folder, int parallel, int connections)
+        : m_folder(std::move(folder)), m_parallel(parallel), m_connections(connections)
     {
         for (std::string line; std::getline(std::cin, line);)
             m_addresses.push_back(line);
@@ -42,6 +44,7 @@ private:
         path.copy(request.szSavePath, sizeof request.szSavePath - 1);
         request.nTaskType = 1;
         request.nFileType = FILE_TYPE_VIDEO;
+        request.nEngineParam1 = m_connections;
         request.pUserData = this;
         request.pfnStateCallback = onState;
         if (DownloadVideo(request) == 0)
@@ -77,6 +80,7 @@ private:
     std::vector<std::string> m_addresses;
     std::size_t m_next = 0;
     int m_parallel;
+    int m_connections;
     int m_running = 0;
     int m_failures = 0;
 };
@@ -85,11 +89,11 @@ private:
 
 int main(int argc, char **argv)
 {
-    if (argc != 3) {
-        std::fputs("usage: bench_fetch FOLDER PARALLEL < ADDRESSES\n", stderr);
+    if (argc != 3 && argc != 4) {
+        std::fputs("usage: bench_fetch FOLDER PARALLEL [CONNECTIONS] < ADDRESSES\n", stderr);
         return 2;
     }
-    Batch batch(argv[1], std::atoi(argv[2]));
+    Batch batch(argv[1], std::atoi(argv[2]), argc > 3 ? std::atoi(argv[3]) : 1);
     if (DownloadInit() != 0)
         return 1;
     const bool complete = batch.run();

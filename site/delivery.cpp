@@ -14,10 +14,13 @@ namespace {
 class BodySender
 {
 public:
-    BodySender(std::string body, const ByteSpan &span, const Misbehaviour &fault, Gate &gate)
-        : m_body(std::make_shared<const std::string>(std::move(body))),
+    BodySender(SharedText body, const ByteSpan &span, const MetFault &met,
+               std::shared_ptr<void> member, Gate &gate)
+        : m_body(std::move(body)),
           m_start(span.offset),
-          m_fault(fault),
+          m_fault(met.fault),
+          m_crowd(met.crowd),
+          m_member(std::move(member)),
           m_gate(&gate)
     {
     }
@@ -57,56 +60,67 @@ private:
             size = std::min(size, *m_fault.cutAfter - sent);
         if (m_fault.holdAfter && !m_held)
             size = std::min(size, *m_fault.holdAfter - sent);
-        if (m_fault.bytesPerSecond > 0)
-            size = std::min(size, m_fault.bytesPerSecond / 20 + 1);
+        for (const std::uint64_t rate : {m_fault.bytesPerSecond, m_fault.clientBytesPerSecond}) {
+            if (rate > 0)
+                size = std::min(size, rate / 20 + 1);
+        }
         return static_cast<std::size_t>(size);
     }
 
     bool waitForRate(std::size_t size)
     {
-        if (m_fault.bytesPerSecond == 0)
-            return true;
-        const auto seconds =
-            static_cast<double>(size) / static_cast<double>(m_fault.bytesPerSecond);
-        return m_gate->pause(std::chrono::nanoseconds(static_cast<std::int64_t>(seconds * 1e9)));
+        std::chrono::nanoseconds wait{0};
+        if (m_fault.bytesPerSecond > 0)
+            wait = m_own->waitFor(size, m_fault.bytesPerSecond);
+        if (m_fault.clientBytesPerSecond > 0)
+            wait = std::max(wait, m_crowd->waitFor(size, m_fault.clientBytesPerSecond));
+        return wait.count() == 0 || m_gate->pause(wait);
     }
 
-    std::shared_ptr<const std::string> m_body;
+    SharedText m_body;
     std::uint64_t m_start;
     Misbehaviour m_fault;
+    std::shared_ptr<Crowd> m_own = std::make_shared<Crowd>();
+    std::shared_ptr<Crowd> m_crowd;
+    std::shared_ptr<void> m_member;
     Gate *m_gate;
     bool m_held = false;
 };
 
-bool rangeIsWanted(const httplib::Request &request, const Resource &resource)
+bool rangeIsWanted(const httplib::Request &request, const Resource &resource,
+                   const Misbehaviour &fault)
 {
     const std::string condition = request.get_header_value("If-Range");
-    return condition.empty() || condition == resource.entityTag ||
+    return condition.empty() || fault.ignoreCondition || condition == resource.entityTag ||
            condition == resource.lastModified;
 }
 
-ByteSpan spanFor(const httplib::Request &request, const Resource &resource, bool ignoreRange)
+ByteSpan spanFor(const httplib::Request &request, const Resource &resource,
+                 const Misbehaviour &fault)
 {
-    const bool partial =
-        !resource.entityTag.empty() && !ignoreRange && rangeIsWanted(request, resource);
+    const bool partial = !resource.entityTag.empty() && !fault.ignoreRange &&
+                         rangeIsWanted(request, resource, fault);
     return selectSpan(partial ? request.get_header_value("Range") : std::string(),
-                      resource.body.size());
+                      resource.body->size());
 }
 
-ByteSpan begunEarlier(const ByteSpan &span, std::uint64_t bytes)
+ByteSpan shifted(const ByteSpan &span, const Misbehaviour &fault, std::uint64_t size)
 {
-    const std::uint64_t shift = std::min(bytes, span.offset);
-    return {span.status, span.offset - shift, span.length + shift};
+    const std::uint64_t first = span.offset - std::min(fault.earlierBy, span.offset);
+    std::uint64_t end = span.offset + span.length;
+    end = std::min(end + fault.longerBy, size);
+    end -= std::min(fault.shorterBy, end - first - 1);
+    return {span.status, first, end - first};
 }
 
 void setRangeHeaders(httplib::Response &response, const Resource &resource, const ByteSpan &span,
-                     bool ignoreRange)
+                     const Misbehaviour &fault)
 {
     response.set_header("ETag", resource.entityTag);
     response.set_header("Last-Modified", resource.lastModified);
-    if (!ignoreRange)
+    if (!fault.ignoreRange)
         response.set_header("Accept-Ranges", "bytes");
-    const std::string size = '/' + std::to_string(resource.body.size());
+    const std::string size = '/' + std::to_string(resource.body->size() + fault.totalMore);
     if (span.status == 206)
         response.set_header("Content-Range", "bytes " + std::to_string(span.offset) + '-' +
                                                  std::to_string(span.offset + span.length - 1) +
@@ -125,25 +139,28 @@ void replaceWith(const SiteAnswer &answer, httplib::Response &response, Resource
 } // namespace
 
 void deliver(const httplib::Request &request, httplib::Response &response, Resource resource,
-             const Misbehaviour &fault, Gate &gate)
+             const MetFault &met, Gate &gate)
 {
-    if (fault.answer)
-        replaceWith(*fault.answer, response, resource);
+    const Misbehaviour &fault = met.fault;
+    auto member = met.crowd->join(fault.mostAtOnce);
+    if (!member || (fault.answer && fault.mostAtOnce == 0))
+        replaceWith(fault.answer.value_or(SiteAnswer{503, "text/plain", {}, "busy"}), response,
+                    resource);
     if (!fault.entityTag.empty() && !resource.entityTag.empty())
         resource.entityTag = fault.entityTag;
-    ByteSpan span = spanFor(request, resource, fault.ignoreRange);
+    ByteSpan span = spanFor(request, resource, fault);
     if (span.status == 206)
-        span = begunEarlier(span, fault.earlierBy);
+        span = shifted(span, fault, resource.body->size());
     response.status = span.status == 200 ? resource.status : span.status;
     if (!resource.entityTag.empty())
-        setRangeHeaders(response, resource, span, fault.ignoreRange);
+        setRangeHeaders(response, resource, span, fault);
     if (span.length == 0) {
         response.set_content(std::string(), resource.contentType);
         return;
     }
     if (spoilsHead(fault))
         HttpServer::spoilHead(fault);
-    BodySender sender(std::move(resource.body), span, fault, gate);
+    BodySender sender(std::move(resource.body), span, met, std::move(member), gate);
     if (fault.endless)
         response.set_chunked_content_provider(
             resource.contentType, [sender](std::size_t sent, httplib::DataSink &sink) mutable {

@@ -1,6 +1,7 @@
 #ifndef VIDEODOWN_SITE_DELIVERY_H
 #define VIDEODOWN_SITE_DELIVERY_H
 
+#include "site/faults.h"
 #include "site/gate.h"
 #include "site/resource.h"
 #include "site/videosite.h"
@@ -12,6 +13,6 @@
  * meets. The body is sent after this has returned; `gate` must live until then.
  */
 void deliver(const httplib::Request &request, httplib::Response &response, Resource resource,
-             const Misbehaviour &fault, Gate &gate);
+             const MetFault &met, Gate &gate);
 
 #endif

@@ -45,10 +45,17 @@ constexpr NumberFault numberFaults[] = {
     {"header-flood", 0, mostMemory,
      [](Fault &fault, Number number) { fault.headerBytes = static_cast<std::size_t>(number); }},
     {"rate", 0, mostBytes, [](Fault &fault, Number number) { fault.bytesPerSecond = number; }},
+    {"client-rate", 0, mostBytes,
+     [](Fault &fault, Number number) { fault.clientBytesPerSecond = number; }},
+    {"at-once", 0, 1000000,
+     [](Fault &fault, Number number) { fault.mostAtOnce = static_cast<unsigned>(number); }},
     {"cut", 0, mostBytes, [](Fault &fault, Number number) { fault.cutAfter = number; }},
     {"stall", 0, mostBytes, [](Fault &fault, Number number) { fault.holdAfter = number; }},
     {"length", 0, mostBytes, [](Fault &fault, Number number) { fault.announcedLength = number; }},
     {"earlier", 0, mostBytes, [](Fault &fault, Number number) { fault.earlierBy = number; }},
+    {"longer", 0, mostBytes, [](Fault &fault, Number number) { fault.longerBy = number; }},
+    {"shorter", 0, mostBytes, [](Fault &fault, Number number) { fault.shorterBy = number; }},
+    {"total-more", 0, mostBytes, [](Fault &fault, Number number) { fault.totalMore = number; }},
     {"status", 200, 599,
      [](Fault &fault, Number number) { answerOf(fault).status = static_cast<int>(number); }},
     {"gzip-bomb", 0, mostMemory,
@@ -86,6 +93,7 @@ constexpr Switch switches[] = {
     {"two-lengths", &Misbehaviour::twoLengths},
     {"endless", &Misbehaviour::endless},
     {"ignore-range", &Misbehaviour::ignoreRange},
+    {"ignore-if-range", &Misbehaviour::ignoreCondition},
 };
 
 template <typename Table>

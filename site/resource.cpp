@@ -138,11 +138,33 @@ Resource Resources::streamAt(const std::string &idAndFormat) const
     if (!description || std::find(offered.begin(), offered.end(), format) == offered.end())
         return notFound();
     if (const auto small = numberBehind("small-", video->id))
-        return media(smallVideoBytes(*small, format, m_smallSize), description->contentType,
-                     *video);
+        return smallVideo(*small, format, *video);
     const std::string name =
         video->clip + '-' + std::to_string(format) + '.' + description->extension;
     return mediaFile(name, description->contentType, *video);
+}
+
+Resource Resources::smallVideo(unsigned number, int format, const SiteVideo &video) const
+{
+    constexpr std::size_t large = 1000000;
+    constexpr std::size_t mostKept = 4;
+    const std::size_t size = m_smallSize;
+    const auto make = [&] {
+        return media(smallVideoBytes(number, format, size), findFormat(format)->contentType, video);
+    };
+    if (size < large)
+        return make();
+    const std::lock_guard lock(m_mutex);
+    const auto isIt = [&](const LargeVideo &kept) {
+        return kept.number == number && kept.format == format && kept.resource.body->size() == size;
+    };
+    const auto found = std::find_if(m_large.begin(), m_large.end(), isIt);
+    if (found != m_large.end())
+        return found->resource;
+    if (m_large.size() >= mostKept)
+        m_large.erase(m_large.begin());
+    m_large.push_back({number, format, make()});
+    return m_large.back().resource;
 }
 
 Resource Resources::thumbnailAt(const std::string &fileName) const

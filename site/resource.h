@@ -6,14 +6,31 @@
 #include <atomic>
 #include <cstddef>
 #include <memory>
+#include <mutex>
 #include <string>
+#include <utility>
+#include <vector>
+
+/** A text that several owners share, because it may be large. */
+class SharedText
+{
+public:
+    SharedText(std::string text = {}) : m_text(std::make_shared<const std::string>(std::move(text)))
+    {
+    }
+    const std::string &operator*() const { return *m_text; }
+    const std::string *operator->() const { return m_text.get(); }
+
+private:
+    std::shared_ptr<const std::string> m_text;
+};
 
 /** What the site has at an address. */
 struct Resource
 {
     int status = 200;
     std::string contentType;
-    std::string body;
+    SharedText body;
     /** Strong validator and date of a resource that can be had in parts; empty for other resources.
      */
     std::string entityTag;
@@ -43,6 +60,7 @@ private:
     Resource infoOf(const std::string &id, const std::string &base) const;
     Resource pageOf(const std::string &id, const std::string &base) const;
     Resource streamAt(const std::string &idAndFormat) const;
+    Resource smallVideo(unsigned number, int format, const SiteVideo &video) const;
     Resource thumbnailAt(const std::string &fileName) const;
     Resource mediaFile(const std::string &name, const char *contentType,
                        const SiteVideo &video) const;
@@ -50,6 +68,16 @@ private:
     const std::string m_mediaFolder;
     std::atomic<std::size_t> m_smallSize{4096};
     Catalogue m_catalogue;
+
+    struct LargeVideo
+    {
+        unsigned number;
+        int format;
+        Resource resource;
+    };
+    mutable std::mutex m_mutex;
+    // Protected by m_mutex: those made last, because making one takes time.
+    mutable std::vector<LargeVideo> m_large;
 };
 
 #endif

@@ -32,7 +32,11 @@ bool isGuest(const httplib::Request &request, const std::string &base)
 
 Resource refusal()
 {
-    return {403, "text/html; charset=utf-8", "<!DOCTYPE html>\n<p>Not from here</p>\n", {}, {}};
+    return {403,
+            "text/html; charset=utf-8",
+            std::string("<!DOCTYPE html>\n<p>Not from here</p>\n"),
+            {},
+            {}};
 }
 
 } // namespace
@@ -71,8 +75,8 @@ VideoSite::Private::Private(std::string mediaFolder)
 void VideoSite::Private::serve(const httplib::Request &request, httplib::Response &response)
 {
     record(request);
-    const Misbehaviour fault = faults.take(request.target);
-    gate.pause(fault.latency);
+    const MetFault met = faults.take(request.target);
+    gate.pause(met.fault.latency);
     const bool isPage = request.path == "/watch";
     const std::string id = request.get_param_value(isPage ? "v" : "video_id");
     const std::string host = request.get_header_value("Host");
@@ -81,8 +85,8 @@ void VideoSite::Private::serve(const httplib::Request &request, httplib::Respons
     const bool isRefused = isGuarded(request.path) && !isGuest(request, base);
     if (request.path.rfind("/today/guarded/", 0) == 0)
         response.set_header("Set-Cookie", visitorCookie + "; Path=/guarded");
-    deliver(request, response, isRefused ? refusal() : resources.find(request.path, id, base),
-            fault, gate);
+    deliver(request, response, isRefused ? refusal() : resources.find(request.path, id, base), met,
+            gate);
 }
 
 void VideoSite::Private::record(const httplib::Request &request)

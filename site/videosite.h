@@ -82,6 +82,11 @@ struct Misbehaviour
     std::chrono::milliseconds latency{0};
     /** Upper bound of body bytes per second; 0: unbounded. */
     std::uint64_t bytesPerSecond = 0;
+    /** The same for all bodies that meet this fault together; 0: unbounded. */
+    std::uint64_t clientBytesPerSecond = 0;
+    /** So many bodies are sent at a time; who asks for more gets `answer`, or status 503. 0: any.
+     */
+    unsigned mostAtOnce = 0;
     /** The connection is closed after so many body bytes, though the header promised them all. */
     std::optional<std::uint64_t> cutAfter;
     /** The body halts after so many bytes until VideoSite::release(). */
@@ -92,6 +97,13 @@ struct Misbehaviour
     std::string entityTag;
     /** An answer to a range begins so many bytes before what was asked for, and says so. */
     std::uint64_t earlierBy = 0;
+    /** It ends so many bytes behind, or before, what was asked for, and says so. */
+    std::uint64_t longerBy = 0;
+    std::uint64_t shorterBy = 0;
+    /** It says that the whole has so many bytes more. */
+    std::uint64_t totalMore = 0;
+    /** If-Range is not looked at. */
+    bool ignoreCondition = false;
     /** The length is not announced; the end of the connection ends the body. */
     bool unannounced = false;
     /** Announced in the place of the true length. */

@@ -10,7 +10,8 @@ namespace {
 
 constexpr int mostConnections = 16;
 
-/** Seconds that half of a piece must take to be fetched beside the other: requests take time too. */
+/** Seconds that half of a piece must take to be fetched beside the other: requests take time too.
+ */
 constexpr double leastTime = 0.5;
 
 int connectionsFor(const Request &request)

@@ -43,8 +43,8 @@ bool PieceFetch::responseBegan()
 
 bool PieceFetch::received(const char *data, std::size_t length)
 {
-    const auto wanted = static_cast<std::size_t>(
-        std::min(m_rest.length(), static_cast<std::int64_t>(length)));
+    const auto wanted =
+        static_cast<std::size_t>(std::min(m_rest.length(), static_cast<std::int64_t>(length)));
     m_fault = m_part.write(m_rest.first, data, wanted);
     if (m_fault)
         return false;

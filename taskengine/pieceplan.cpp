@@ -32,11 +32,10 @@ void PieceSet::add(const Piece &piece)
 {
     if (piece.length() <= 0)
         return;
-    const auto from = std::find_if(m_pieces.begin(), m_pieces.end(), [&piece](const Piece &one) {
-        return one.end >= piece.first;
-    });
-    const auto to = std::find_if(
-        from, m_pieces.end(), [&piece](const Piece &one) { return one.first > piece.end; });
+    const auto from = std::find_if(m_pieces.begin(), m_pieces.end(),
+                                   [&piece](const Piece &one) { return one.end >= piece.first; });
+    const auto to = std::find_if(from, m_pieces.end(),
+                                 [&piece](const Piece &one) { return one.first > piece.end; });
     Piece whole = piece;
     if (from != to) {
         whole.first = std::min(whole.first, from->first);
