@@ -251,6 +251,139 @@ private slots:
         compareFiles(files);
     }
 
+    void pieces()
+    {
+        taskengine::PieceSet set = *taskengine::PieceSet::parse("0-10 20-30 40-50");
+        set.add({25, 40});
+        set.add({60, 61});
+        QCOMPARE(set.text(), std::string("0-10 20-50 60-61"));
+        QCOMPARE(set.bytes(), 41);
+        QCOMPARE(set.firstMissing(), 10);
+        const auto gaps = set.missing({0, 100});
+        QVERIFY(gaps.size() == 3 && gaps[2].first == 61 && gaps[2].end == 100);
+        const auto untouched = taskengine::nextShare(gaps, {{10, 20}, {61, 100}}, 5);
+        QVERIFY(untouched && !untouched->from && untouched->piece.first == 50);
+        const auto half = taskengine::nextShare({{12, 20}, {61, 100}}, {{12, 20}, {61, 100}}, 5);
+        QVERIFY(half && half->from == 1U && half->piece.first == 81 && half->piece.end == 100);
+        QVERIFY(!taskengine::nextShare({{12, 20}}, {{12, 20}}, 5));
+        for (const char *text : {"0-10 5-20", "0-10 10-20", "0-", "5-5", "0-10x", "-1-5"})
+            QVERIFY2(!taskengine::PieceSet::parse(text), text);
+    }
+
+    void partsWithGaps_data()
+    {
+        const auto row = table<std::string, qint64>("end", "kept");
+        const auto line = [](const char *pieces) { return std::string("\npieces disk ") + pieces; };
+        row("pieces", "", 6);
+        row("cut off line", line("0-5 8-10"), 6);
+        row("newer line", line("0-5 8-10 ."), 7);
+        row("other boot", "\npieces some-boot 0-5 8-10 .", 6);
+        row("more than there is", line("0-5 8-1000 ."), 0);
+        row("no start", line("1-5 8-10 ."), 6);
+    }
+
+    /** What the facts say last and whole is what is there; a file with gaps gets no name. */
+    void partsWithGaps()
+    {
+        QFETCH(const std::string, end);
+        QFETCH(const qint64, kept);
+        {
+            taskengine::PartFile part;
+            QVERIFY(!part.open(path("/video"), "key"));
+            part.remember(10, "\"a\"");
+            QVERIFY(!part.write(0, "0123", 4) && !part.allowPieces() && part.hasPieces());
+            QVERIFY(!part.write(8, "89", 2));
+            const auto fault = part.commit(path("/video"));
+            QVERIFY(fault && fault->is(Failure::Internal) &&
+                    !QFile::exists(native(path("/video"))));
+            part.keep();
+        }
+        write(path("/.video.part-info"), contentsOf(path("/.video.part-info")) + end);
+        taskengine::PartFile part;
+        QVERIFY(!part.open(path("/video"), "key"));
+        QCOMPARE(part.size(), kept);
+        QVERIFY(kept == 0 || !part.hasSpaceFor(1) || part.hasPieces());
+    }
+
+    void severalConnections_data()
+    {
+        // The fault of all requests but the first, and the most ranges that are asked for.
+        const auto row = table<Change>("fault");
+        row("none", [](Misbehaviour &) {});
+        row("403", [](Misbehaviour &fault) {
+            fault.answer = SiteAnswer{403, "text/html", {}, "x"};
+            fault.firstRequests = 1;
+        });
+        row("429", [](Misbehaviour &fault) {
+            fault.answer = SiteAnswer{429, "text/html", {}, "x"};
+            fault.firstRequests = 2;
+        });
+        row("other start", [](Misbehaviour &fault) {
+            fault.earlierBy = 10;
+            fault.firstRequests = 1;
+        });
+        row("other total", [](Misbehaviour &fault) {
+            fault.totalMore = 10;
+            fault.firstRequests = 1;
+        });
+        row("other validator", [](Misbehaviour &fault) {
+            fault.entityTag = "\"b\"", fault.ignoreCondition = true;
+            fault.firstRequests = 1;
+        });
+        row("other file", [](Misbehaviour &fault) {
+            fault.entityTag = "\"b\"";
+            fault.firstRequests = 1;
+        });
+        row("shorter", [](Misbehaviour &fault) {
+            fault.shorterBy = 10;
+            fault.firstRequests = 1;
+        });
+        row("longer", [](Misbehaviour &fault) {
+            fault.longerBy = 10;
+            fault.firstRequests = 2;
+        });
+        row("wrong length", [](Misbehaviour &fault) {
+            fault.announcedLength = 4000000;
+            fault.firstRequests = 1;
+        });
+        row("cut", [](Misbehaviour &fault) {
+            fault.cutAfter = 100000;
+            fault.firstRequests = 1;
+        });
+    }
+
+    void severalConnections()
+    {
+        QFETCH(const Change, fault);
+        constexpr std::size_t size = 4000000;
+        m_site->setSmallVideoSize(size);
+        m_options.leastPiece = 50000;
+        taskengine::setOptions(m_options);
+        const auto slow = [](Misbehaviour &one) { one.bytesPerSecond = 1000000; };
+        misbehave(slow, 1);
+        if (QTest::currentDataTag() != QByteArray("none"))
+            misbehave([&](Misbehaviour &one) {
+                slow(one);
+                const auto first = one.firstRequests;
+                fault(one);
+                (void)first;
+            });
+        misbehave(slow);
+        QCOMPARE(DownloadVideo(video("video", 3)), 0);
+        compareEnd("video", DOWN_STATE_DOWNLOAD_FINISH, size);
+        QVERIFY(contentsOf(path("/video.flv")) == smallVideoBytes(1, 34, size));
+        compareFiles({u"video.flv"_s});
+        QCOMPARE(m_log->count("video", DOWN_STATE_RETRY_DOWNLOAD), 0);
+        QVERIFY(m_site->requestCount("/stream") > 1);
+        double last = 0;
+        for (const LoggedEvent &event : m_log->events("video")) {
+            if (event.code == DOWN_STATE_DOWNLOAD_PROGRESS) {
+                QVERIFY(event.value >= last && event.value <= double(size));
+                last = event.value;
+            }
+        }
+    }
+
     void leftPart_data()
     {
         // The part was left by an earlier request with the key "video"; the first request now asks
