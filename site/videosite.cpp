@@ -93,7 +93,9 @@ void VideoSite::Private::record(const httplib::Request &request)
 {
     const std::lock_guard lock(mutex);
     requests.push_back({request.method, request.target, request.get_header_value("Range"),
-                        request.get_header_value("If-Range"), request.remote_port});
+                        request.get_header_value("If-Range"), request.get_header_value("Host"),
+                        request.get_header_value("Referer"), request.get_header_value("Cookie"),
+                        request.remote_port});
 }
 
 VideoSite::VideoSite(std::string mediaFolder)

@@ -132,6 +132,9 @@ struct SiteRequest
     std::string target;
     std::string range;
     std::string ifRange;
+    std::string host;
+    std::string referer;
+    std::string cookie;
     /** Port of the client's end of the connection: the same number, the same connection. */
     int clientPort = 0;
 };

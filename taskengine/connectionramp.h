@@ -32,7 +32,7 @@ public:
     /** @return seconds that one connection needs for `bytes`; 0 before the first measurement */
     double secondsFor(std::int64_t bytes) const;
 
-    /** Measures anew, after a pause. */
+    /** Measures anew, after a pause or under a rate limit. */
     void restart() { m_begun = false; }
 
     /** A connection was lost: goes on with one less for now. */

@@ -52,6 +52,24 @@ private:
     const std::shared_ptr<TargetFile> m_target;
 };
 
+/** Waits for the disk, which must not hold up the other transfers. */
+class PartLeaving : public Completion
+{
+public:
+    explicit PartLeaving(std::unique_ptr<PartFile> part) : m_part(std::move(part)) {}
+
+    ~PartLeaving() override { leavePart(*m_part, true); }
+
+    std::optional<Fault> commit() override
+    {
+        leavePart(*m_part, true);
+        return std::nullopt;
+    }
+
+private:
+    const std::unique_ptr<PartFile> m_part;
+};
+
 } // namespace
 
 DownloadJob::DownloadJob(RequestPointer request, const JobContext &context)
@@ -71,7 +89,6 @@ void DownloadJob::beginTry()
         return;
     }
     m_meter.restart(m_part->size(), Clock::now());
-    m_mayShare = false;
     fetchGap();
 }
 
@@ -80,6 +97,7 @@ void DownloadJob::fetchGap()
 {
     m_complete = false;
     m_firstDone = false;
+    m_mayShare = false; // until the answer shows what it brings
     m_end = -1;
     m_asked = m_part->pieces().firstMissing();
     const PartFacts &facts = m_part->facts();
@@ -101,9 +119,12 @@ std::optional<Fault> DownloadJob::openPart()
     return m_part->restart();
 }
 
-void DownloadJob::leaveFiles(bool mayContinue)
+std::unique_ptr<Completion> DownloadJob::leaveFiles(bool mayContinue)
 {
+    if (mayContinue && m_part->hasPieces())
+        return std::make_unique<PartLeaving>(std::exchange(m_part, std::make_unique<PartFile>()));
     leavePart(*m_part, mayContinue);
+    return nullptr;
 }
 
 void DownloadJob::work(Clock::time_point now)
@@ -116,9 +137,10 @@ void DownloadJob::work(Clock::time_point now)
         fail(*fault);
 }
 
+/** A part without a beginning would be of no use to a later request. */
 std::optional<Fault> DownloadJob::workTogether(Clock::time_point now)
 {
-    if (m_mayShare) {
+    if (m_mayShare && m_part->pieces().firstMissing() > 0) {
         if (const auto fault = m_others.work(*m_part, m_firstDone ? nullptr : &m_rest, now))
             return fault;
     }
@@ -154,6 +176,8 @@ bool DownloadJob::isComplete() const
 
 std::optional<Fault> DownloadJob::judge(const ResponseHead &head)
 {
+    m_seat->moveTo(head.host);
+    m_others.setHost(head.host);
     if (head.status == 416 && m_asked > 0)
         return judgeUnsatisfiable(head);
     if (head.status != 200 && head.status != 206)

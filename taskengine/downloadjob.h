@@ -23,7 +23,7 @@ public:
 
 private:
     void beginTry() override;
-    void leaveFiles(bool mayContinue) override;
+    std::unique_ptr<Completion> leaveFiles(bool mayContinue) override;
     void work(Clock::time_point now) override;
     void cutTry() override;
     void setPaused(bool paused) override;

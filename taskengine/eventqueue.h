@@ -12,7 +12,7 @@
 
 namespace taskengine {
 
-/** The last step of a download, done when every earlier event has been delivered. */
+/** The last step of a request, done when every earlier event has been delivered. */
 class Completion
 {
 public:
@@ -32,7 +32,7 @@ struct Event
     tagDownloadStateCode code;
     double value = 0;
     std::string text{}; ///< the response that goes with DOWN_STATE_PARSE_SUCCESS
-    std::unique_ptr<Completion> completion{}; ///< comes before DOWN_STATE_DOWNLOAD_FINISH
+    std::unique_ptr<Completion> completion{}; ///< comes before a terminal event
 };
 
 /** The events of one request that are still to be delivered. */

@@ -38,9 +38,22 @@ std::optional<Fault> FurtherConnections::work(PartFile &part, Piece *first, Cloc
         return fault;
     if (m_paused)
         return std::nullopt;
-    m_ramp.update(part.size(), receiving(first), now);
+    measure(part, first, now);
     closeSurplus(first);
     return openWanted(part, first);
+}
+
+/**
+ * Where the rate limit holds data back nothing is measured: that makes the rate, and a further
+ * connection would only take from the other downloads.
+ */
+void FurtherConnections::measure(const PartFile &part, const Piece *first, Clock::time_point now)
+{
+    if (m_context.rate.holds() == m_holds)
+        m_ramp.update(part.size(), receiving(first), now);
+    else
+        m_ramp.restart();
+    m_holds = m_context.rate.holds();
 }
 
 std::optional<Fault> FurtherConnections::settleEnded(Piece *first)

@@ -21,6 +21,9 @@ public:
     /** @param request outlives this object */
     FurtherConnections(const JobContext &context, const Request &request);
 
+    /** The first connection has been answered by this host, which is to give the others too. */
+    void setHost(const std::string &host) { m_host = host; }
+
     /**
      * Does what has become due. Not from inside a transfer's callback.
      * @param first what the first connection is about to fetch, which may lose its end to a further
@@ -40,6 +43,7 @@ public:
 private:
     std::optional<Fault> settleEnded(Piece *first);
     void settle(const PieceFetch &fetch, Piece *first);
+    void measure(const PartFile &part, const Piece *first, Clock::time_point now);
     std::optional<Fault> openWanted(PartFile &part, Piece *first);
     bool mayOpen(const PartFile &part, const Piece *first) const;
     std::optional<Share> shareOf(const PartFile &part, const Piece *first) const;
@@ -50,8 +54,9 @@ private:
 
     const JobContext m_context;
     const Request &m_request;
-    const std::string m_host;
+    std::string m_host;
     ConnectionRamp m_ramp;
+    std::uint64_t m_holds = 0; ///< of the rate limit, those that are known
     bool m_paused = false;
     std::vector<std::unique_ptr<PieceFetch>> m_fetches;
 };

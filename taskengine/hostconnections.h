@@ -26,15 +26,25 @@ public:
         }
         Seat(const Seat &) = delete;
         Seat &operator=(const Seat &) = delete;
-        ~Seat()
+        ~Seat() { leave(); }
+
+        /** Counts for another host from now on: a redirect led there. */
+        void moveTo(const std::string &host)
+        {
+            leave();
+            m_host = host;
+            ++m_hosts.m_counts[m_host];
+        }
+
+    private:
+        void leave()
         {
             if (--m_hosts.m_counts[m_host] == 0)
                 m_hosts.m_counts.erase(m_host);
         }
 
-    private:
         HostConnections &m_hosts;
-        const std::string m_host;
+        std::string m_host;
     };
 
     int count(const std::string &host) const

@@ -14,6 +14,13 @@ constexpr std::chrono::milliseconds idleInterval{1000};
 
 } // namespace
 
+void introduce(TransferRequest &transfer, const Request &task, const RequestHeaders &headers)
+{
+    transfer.headers = headers.fieldsFor(task, transfer.address);
+    if (task.kind != RequestKind::Parse)
+        transfer.page = task.record.szPageURL;
+}
+
 Job::Job(RequestPointer request, const JobContext &context)
     : m_request(std::move(request)), m_context(context)
 {
@@ -32,14 +39,13 @@ void Job::start()
 void Job::stop()
 {
     cutTry();
-    cleanUp(true);
-    finish({DOWN_STATE_USER_STOP, 0, {}, {}});
+    finish({DOWN_STATE_USER_STOP, 0, {}, cleanUp(true)});
 }
 
 void Job::abandon()
 {
     cutTry();
-    cleanUp(true);
+    cleanUp(true); // which waits for the disk: nothing else goes on
     m_over = true;
 }
 
@@ -65,10 +71,11 @@ Clock::time_point Job::wakeTime() const
     return m_waiting && !m_paused ? std::min(m_nextTry, idle) : idle;
 }
 
-void Job::cleanUp(bool mayContinue)
+std::unique_ptr<Completion> Job::cleanUp(bool mayContinue)
 {
-    leaveFiles(mayContinue);
+    auto rest = leaveFiles(mayContinue);
     m_request->target->release();
+    return rest;
 }
 
 void Job::post(tagDownloadStateCode code, double value)
@@ -119,11 +126,14 @@ void Job::giveUp(const Fault &fault)
         return;
     }
     const bool isDiskFull = fault.is(Failure::DiskFull);
-    cleanUp(fault.value != 404);
+    auto rest = cleanUp(fault.value != 404);
     if (isDiskFull)
         post(DOWN_STATE_DISK_NO_SPACE);
     const bool isParse = m_request->kind == RequestKind::Parse;
-    finish({isParse ? DOWN_STATE_PARSE_FAIL : DOWN_STATE_DOWNLOAD_FAIL, fault.value, {}, {}});
+    finish({isParse ? DOWN_STATE_PARSE_FAIL : DOWN_STATE_DOWNLOAD_FAIL,
+            fault.value,
+            {},
+            std::move(rest)});
 }
 
 void Job::finish(Event event)

@@ -26,6 +26,9 @@ struct JobContext
     std::unordered_set<std::string> &mutes; ///< hosts that have no video-info responses
 };
 
+/** Adds what tells the site who asks and from which page: the same for each request of a task. */
+void introduce(TransferRequest &transfer, const Request &task, const RequestHeaders &headers);
+
 /**
  * Lives on the transfer thread, from the start of its request until its terminal event is queued.
  * Files are in their final state before that; those of a complete download are handed to a
@@ -87,8 +90,11 @@ private:
     virtual void beginTry() = 0;
     /** Ends what the try has going on; its results stay. */
     virtual void cutTry() = 0;
-    /** Leaves the files as they shall stay. @param mayContinue a later request could go on */
-    virtual void leaveFiles(bool) {}
+    /**
+     * Leaves the files as they shall stay. @param mayContinue a later request could go on
+     * @return what remains to be done before the last event; null: nothing
+     */
+    virtual std::unique_ptr<Completion> leaveFiles(bool) { return nullptr; }
     virtual void work(Clock::time_point now) = 0;
     /** Holds the work, or lets it go on. Comes whether a try is under way or not. */
     virtual void setPaused(bool paused) = 0;
@@ -99,7 +105,7 @@ private:
     virtual std::unique_ptr<Job> alternative(const Fault &) { return nullptr; }
 
     void takeOver(bool paused);
-    void cleanUp(bool mayContinue);
+    std::unique_ptr<Completion> cleanUp(bool mayContinue);
     bool mayTryAgain(const Fault &fault) const;
     void scheduleTry(const Fault &fault);
     void giveUp(const Fault &fault);

@@ -33,12 +33,18 @@ bool isSameFile(int file, const std::string &path)
 }
 
 /** What the system had not written yet when it went down is lost, whatever the facts say. */
-std::string currentBoot()
+std::string readBoot()
 {
     std::ifstream file("/proc/sys/kernel/random/boot_id");
     std::string boot;
     file >> boot;
     return boot.empty() ? "unknown" : boot;
+}
+
+const std::string &currentBoot()
+{
+    static const std::string boot = readBoot();
+    return boot;
 }
 
 bool endsWith(const std::string &text, const std::string &end)
@@ -102,6 +108,7 @@ std::optional<Fault> PartFile::open(const std::string &target, const std::string
     m_facts = {};
     m_pieces.clear();
     m_hasPieces = false;
+    m_noted = -1;
     const std::int64_t length = ::lseek(m_file, 0, SEEK_END);
     m_factsSaved = true; // for all that is known
     if (length == 0) {
@@ -206,13 +213,14 @@ std::optional<Fault> PartFile::allowPieces()
     }
     saveFacts();
     m_hasPieces = addPiecesLine(currentBoot()) && markPieces();
+    m_noted = size();
     return std::nullopt;
 }
 
 void PartFile::savePieces()
 {
-    if (m_hasPieces)
-        addPiecesLine(currentBoot());
+    if (m_hasPieces && m_noted != size() && addPiecesLine(currentBoot()))
+        m_noted = size();
 }
 
 bool PartFile::addPiecesLine(const std::string &where) const

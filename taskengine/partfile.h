@@ -102,6 +102,7 @@ private:
     PieceSet m_pieces;
     int m_file = -1;
     bool m_hasPieces = false;  ///< as its facts say
+    std::int64_t m_noted = -1; ///< bytes of the pieces that were noted last
     bool m_factsSaved = false; ///< the facts are in their file
 };
 

@@ -1,8 +1,7 @@
 #include "taskengine/piecefetch.h"
 
-#include "taskengine/responsehead.h"
-
 #include <algorithm>
+#include <utility>
 
 namespace taskengine {
 
@@ -19,15 +18,15 @@ PieceFetch::PieceFetch(const JobContext &context, const Request &request, PartFi
 bool PieceFetch::start(const Piece &piece)
 {
     m_asked = m_rest = piece;
-    const std::string address = m_request.record.szDownloadURL;
-    return m_transfer.start({address, piece.first, piece.end, m_part.facts().validator,
-                             m_context.headers.fieldsFor(m_request, address)});
+    TransferRequest request{m_request.record.szDownloadURL, piece.first, piece.end,
+                            m_part.facts().validator};
+    introduce(request, m_request, m_context.headers);
+    return m_transfer.start(std::move(request));
 }
 
 /** The announced length lets libcurl see to it that not a byte too many comes. */
-bool PieceFetch::isRight() const
+bool PieceFetch::isRight(const ResponseHead &head) const
 {
-    const ResponseHead head = responseHead(m_transfer.easy());
     const PartFacts &facts = m_part.facts();
     return head.status == 206 && !head.contradictory && !head.encoded &&
            canBeVideo(head.mediaType) && head.validator == facts.validator && head.range &&
@@ -37,7 +36,9 @@ bool PieceFetch::isRight() const
 
 bool PieceFetch::responseBegan()
 {
-    m_state = isRight() ? State::Receiving : State::Refused;
+    const ResponseHead head = responseHead(m_transfer.easy());
+    m_seat.moveTo(head.host);
+    m_state = isRight(head) ? State::Receiving : State::Refused;
     return m_state == State::Receiving && m_rest.length() > 0;
 }
 

@@ -5,6 +5,7 @@
 #include "taskengine/hostconnections.h"
 #include "taskengine/job.h"
 #include "taskengine/partfile.h"
+#include "taskengine/responsehead.h"
 
 #include <optional>
 
@@ -47,7 +48,7 @@ public:
     void checkSpeed(Clock::time_point now) { m_transfer.checkSpeed(now); }
 
 private:
-    bool isRight() const;
+    bool isRight(const ResponseHead &head) const;
     bool responseBegan() override;
     bool received(const char *data, std::size_t length) override;
     void transferEnded(CURLcode code) override;
@@ -55,7 +56,7 @@ private:
     const JobContext m_context;
     const Request &m_request;
     PartFile &m_part;
-    const HostConnections::Seat m_seat;
+    HostConnections::Seat m_seat;
     Piece m_asked;
     Piece m_rest;
     State m_state = State::Asking;

@@ -26,6 +26,7 @@ bool RateLimit::take(Transfer &transfer, std::size_t bytes)
         m_allowance -= static_cast<double>(bytes);
         return true;
     }
+    ++m_holds;
     if (std::find(m_held.begin(), m_held.end(), &transfer) == m_held.end())
         m_held.push_back(&transfer);
     return false;

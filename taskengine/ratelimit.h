@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 
 namespace taskengine {
@@ -22,6 +23,9 @@ public:
     /** @return whether these bytes may come in now; if not, `Transfer::letGo` tells when */
     bool take(Transfer &transfer, std::size_t bytes);
 
+    /** @return how often it has held something back so far */
+    std::uint64_t holds() const { return m_holds; }
+
     /** Nobody waits for this transfer any more. */
     void forget(Transfer &transfer);
 
@@ -34,6 +38,7 @@ public:
 private:
     double m_bytesPerSecond = 0; ///< 0: no limit
     double m_allowance = 0;      ///< bytes; below 0 when the last piece was larger
+    std::uint64_t m_holds = 0;
     Clock::time_point m_counted; ///< up to when the allowance has grown
     std::deque<Transfer *> m_held;
     Transfer *m_turn = nullptr; ///< it has been let go, while others wait

@@ -1,5 +1,7 @@
 #include "taskengine/responsehead.h"
 
+#include "taskengine/address.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -130,6 +132,9 @@ ResponseHead responseHead(CURL *easy)
     curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &head.status);
     curl_easy_getinfo(easy, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
     head.length = length;
+    const char *address = nullptr;
+    curl_easy_getinfo(easy, CURLINFO_EFFECTIVE_URL, &address);
+    head.host = address == nullptr ? std::string() : hostOf(address);
     head.mediaType = mediaType(header(easy, "Content-Type"));
     head.validator = strongValidator(easy);
     head.acceptsRanges = mediaType(header(easy, "Accept-Ranges")) == "bytes";

@@ -24,6 +24,7 @@ std::optional<ContentRange> parseContentRange(const std::string &text);
 struct ResponseHead
 {
     long status = 0;
+    std::string host;           ///< that answers, see `hostOf`
     std::int64_t length = -1;   ///< bytes announced for the body, -1 when they are not
     std::string mediaType;      ///< lower case, without parameters; empty when not given
     std::string validator;      ///< for If-Range: strong, or empty

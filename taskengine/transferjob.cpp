@@ -33,9 +33,7 @@ TransferJob::TransferJob(RequestPointer request, const JobContext &context)
 void TransferJob::fetch(TransferRequest request)
 {
     m_fault.reset();
-    request.headers = headers().fieldsFor(this->request(), request.address);
-    if (this->request().kind != RequestKind::Parse)
-        request.page = this->request().record.szPageURL;
+    introduce(request, this->request(), headers());
     if (const auto fault = addressFault(request.address))
         fail(*fault);
     else if (!isProxyUsable(this->request().record))

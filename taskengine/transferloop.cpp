@@ -99,9 +99,8 @@ void TransferLoop::runCommand(const Command &command)
 {
     const Request *request = command.request.get();
     if (command.verb == Command::Verb::Start)
-        m_jobs[request] =
-            Job::create(command.request,
-                        {m_multi.get(), m_rate, m_events, m_headers, m_hosts, m_mutes});
+        m_jobs[request] = Job::create(
+            command.request, {m_multi.get(), m_rate, m_events, m_headers, m_hosts, m_mutes});
     const auto found = m_jobs.find(request);
     if (found == m_jobs.end())
         return;

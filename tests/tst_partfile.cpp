@@ -280,6 +280,7 @@ private slots:
         row("other boot", "\npieces some-boot 0-5 8-10 .", 6);
         row("more than there is", line("0-5 8-1000 ."), 0);
         row("no start", line("1-5 8-10 ."), 6);
+        row("former format", "", 4);
     }
 
     /** What the facts say last and whole is what is there; a file with gaps gets no name. */
@@ -299,89 +300,15 @@ private slots:
             part.keep();
         }
         write(path("/.video.part-info"), contentsOf(path("/.video.part-info")) + end);
+        const bool isFormer = QTest::currentDataTag() == "former format"_ba;
+        if (isFormer) {
+            write(path("/.video.part-info"), "videodown part 1\nkey\n\"a\"\n10\n");
+            write(path("/video.part"), "0123");
+        }
         taskengine::PartFile part;
         QVERIFY(!part.open(path("/video"), "key"));
         QCOMPARE(part.size(), kept);
-        QVERIFY(kept == 0 || !part.hasSpaceFor(1) || part.hasPieces());
-    }
-
-    void severalConnections_data()
-    {
-        // The fault of all requests but the first, and the most ranges that are asked for.
-        const auto row = table<Change>("fault");
-        row("none", [](Misbehaviour &) {});
-        row("403", [](Misbehaviour &fault) {
-            fault.answer = SiteAnswer{403, "text/html", {}, "x"};
-            fault.firstRequests = 1;
-        });
-        row("429", [](Misbehaviour &fault) {
-            fault.answer = SiteAnswer{429, "text/html", {}, "x"};
-            fault.firstRequests = 2;
-        });
-        row("other start", [](Misbehaviour &fault) {
-            fault.earlierBy = 10;
-            fault.firstRequests = 1;
-        });
-        row("other total", [](Misbehaviour &fault) {
-            fault.totalMore = 10;
-            fault.firstRequests = 1;
-        });
-        row("other validator", [](Misbehaviour &fault) {
-            fault.entityTag = "\"b\"", fault.ignoreCondition = true;
-            fault.firstRequests = 1;
-        });
-        row("other file", [](Misbehaviour &fault) {
-            fault.entityTag = "\"b\"";
-            fault.firstRequests = 1;
-        });
-        row("shorter", [](Misbehaviour &fault) {
-            fault.shorterBy = 10;
-            fault.firstRequests = 1;
-        });
-        row("longer", [](Misbehaviour &fault) {
-            fault.longerBy = 10;
-            fault.firstRequests = 2;
-        });
-        row("wrong length", [](Misbehaviour &fault) {
-            fault.announcedLength = 4000000;
-            fault.firstRequests = 1;
-        });
-        row("cut", [](Misbehaviour &fault) {
-            fault.cutAfter = 100000;
-            fault.firstRequests = 1;
-        });
-    }
-
-    void severalConnections()
-    {
-        QFETCH(const Change, fault);
-        constexpr std::size_t size = 4000000;
-        m_site->setSmallVideoSize(size);
-        m_options.leastPiece = 50000;
-        taskengine::setOptions(m_options);
-        const auto slow = [](Misbehaviour &one) { one.bytesPerSecond = 1000000; };
-        misbehave(slow, 1);
-        if (QTest::currentDataTag() != QByteArray("none"))
-            misbehave([&](Misbehaviour &one) {
-                slow(one);
-                const auto first = one.firstRequests;
-                fault(one);
-                (void)first;
-            });
-        misbehave(slow);
-        QCOMPARE(DownloadVideo(video("video", 3)), 0);
-        compareEnd("video", DOWN_STATE_DOWNLOAD_FINISH, size);
-        QVERIFY(contentsOf(path("/video.flv")) == smallVideoBytes(1, 34, size));
-        compareFiles({u"video.flv"_s});
-        QCOMPARE(m_log->count("video", DOWN_STATE_RETRY_DOWNLOAD), 0);
-        QVERIFY(m_site->requestCount("/stream") > 1);
-        double last = 0;
-        for (const LoggedEvent &event : m_log->events("video")) {
-            if (event.code == DOWN_STATE_DOWNLOAD_PROGRESS) {
-                QVERIFY(event.value >= last && event.value <= double(size));
-                last = event.value;
-            }
-        }
+        QCOMPARE(part.hasPieces(), kept > 0 && !isFormer);
     }
 
     void leftPart_data()
