@@ -59,6 +59,23 @@ Stage Dispatcher::enlist(const Task &task)
     return copies ? Stage::Copying : Stage::Waiting;
 }
 
+// What is only looked at becomes what is wanted, with the answer that it already waits for.
+void Dispatcher::adopt(Task &inspection, const DownloadRequest &request)
+{
+    inspection.request = request;
+    if (inspection.stage == Stage::Waiting || inspection.stage == Stage::Present) {
+        m_tasks.moveTo(inspection, enlist(inspection));
+        if (inspection.stage == Stage::Copying)
+            startCopy(inspection.key);
+    } else if (inspection.stage == Stage::Parsing) {
+        const ControllerLock lock;
+        if (CXMLInfo *record = controller().getXMLInfo(inspection.key))
+            setWishes(*record, request);
+        setState(inspection, TaskState::Running);
+    }
+    wake();
+}
+
 // A large copy takes a while, and the library makes it on the thread that asks for it.
 void Dispatcher::startCopy(const QString &key)
 {

@@ -63,8 +63,11 @@ QString Dispatcher::add(const DownloadRequest &request)
 {
     Task task;
     task.key = CDown::GetURLToMD5(request.address);
-    if (m_tasks.find(task.key) != nullptr)
+    if (Task *known = m_tasks.find(task.key)) {
+        if (known->request.inspectOnly && !request.inspectOnly)
+            adopt(*known, filledIn(request, m_settings.downloadFolder));
         return task.key;
+    }
     task.request = filledIn(request, m_settings.downloadFolder);
     task.progress.key = task.key;
     if (addressProblem(request.address))

@@ -85,6 +85,7 @@ private:
 
     // The tasks' records (bookkeeping.cpp)
     Stage enlist(const Task &task);
+    void adopt(Task &inspection, const DownloadRequest &request);
     void startCopy(const QString &key);
     void setState(const Task &task, TaskState state);
     bool answerFromRecord(Task &task);

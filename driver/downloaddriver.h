@@ -70,6 +70,7 @@ public:
 
     /**
      * Takes a task on. A task with the same key that has not ended is that task: nothing is added.
+     * Only one that is inspected becomes the task that is asked for, and ends as such, once.
      *
      * Unless it is only inspected, the task stands in the controller's list from now on, its
      * `State` kept up to date (TaskState), its `Progress` (percent) set when it ends. A task that

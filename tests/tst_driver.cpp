@@ -399,6 +399,33 @@ private slots:
         QCOMPARE(f.driver->controller().m_pHistory->m_InfoList.size(), 1);
     }
 
+    // Whether the site has been asked yet or not.
+    void inspectedAddressesCanBeDownloaded()
+    {
+        for (const int turns : {0, 1}) {
+            DriverFixture f;
+            DownloadRequest request;
+            request.inspectOnly = true;
+            request.address = f.url(1);
+            const QString key = f.driver->add(request);
+            for (int i = 0; i < turns; ++i)
+                f.turn();
+            QCOMPARE(f.add(f.url(1), true), key);
+            f.turn();
+            QCOMPARE(taskrecord::stateOf(*f.driver->controller().getXMLInfo(key)),
+                     TaskState::Running);
+            f.engine.sendResponse(key, TaskFixture::response(1));
+            f.turn();
+            f.finish(key);
+            f.turn();
+            QCOMPARE(f.engine.calls("parse").size(), 1);
+            QCOMPARE(f.results.size(), 1);
+            QVERIFY(f.results.first().path.startsWith(f.root.filePath(u"out/"_s)));
+            const ControllerLock lock;
+            QCOMPARE(f.driver->controller().m_pHistory->m_InfoList.size(), 1);
+        }
+    }
+
     // Two tasks can remember one name: it was free again when the first had failed.
     void anotherTasksFileIsNotReplaced()
     {

@@ -106,6 +106,7 @@ void Worker::add(const QList<DownloadRequest> &requests, bool convert)
             QDir().mkpath(request.downloadFolder);
         const QString key =
             convert ? m_session->addAndConvert(request, request.profile) : m_session->add(request);
+        m_inspecting.remove(key); // it has become this download
         m_waiting.removeOne(key);
         m_waiting.append(key);
         m_failures.remove(key);
