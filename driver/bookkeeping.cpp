@@ -39,7 +39,7 @@ void setWishes(CXMLInfo &record, const DownloadRequest &request)
 } // namespace
 
 // Where the task begins its way.
-Stage Dispatcher::enlist(const Task &task)
+Stage Dispatcher::enlist(Task &task)
 {
     const DownloadRequest &request = task.request;
     if (request.inspectOnly)
@@ -52,6 +52,8 @@ Stage Dispatcher::enlist(const Task &task)
         return Stage::Present;
     if (record == nullptr)
         record = controller().m_pHistory->Add(newRecord(task.key, request));
+    else if (!taskrecord::isInterrupted(*record) || !record->FileName.isEmpty())
+        task.former = taskrecord::stateOf(*record); // else it was never begun
     setWishes(*record, request);
     record->State = int(TaskState::Waiting);
     m_changed.insert(task.key);
@@ -125,6 +127,10 @@ void Dispatcher::recordEnd(const Task &task, DownloadOutcome outcome)
     CXMLInfo *record = controller().getXMLInfo(task.key);
     if (record == nullptr || task.request.inspectOnly || addressProblem(task.request.address))
         return;
+    if (outcome == DownloadOutcome::Skipped) {
+        leaveSkipped(task);
+        return;
+    }
     const bool finished = outcome == DownloadOutcome::Finished;
     const bool failed = outcome == DownloadOutcome::Failed;
     record->State = int(finished ? TaskState::Finished

@@ -83,8 +83,15 @@ private:
     bool nameIsClaimed(const CXMLInfo &record);
     static void releaseName(Task &task);
 
+    // Names that others have (conflicts.cpp)
+    bool skip(Task &task);
+    void leaveSkipped(const Task &task);
+    void dropSkipped(const QString &key);
+    void overwrite(const Task &task, const OutputName &wanted, DownloadResult &result);
+    std::optional<QString> move(const QString &key, const MovedFiles &files);
+
     // The tasks' records (bookkeeping.cpp)
-    Stage enlist(const Task &task);
+    Stage enlist(Task &task);
     void adopt(Task &inspection, const DownloadRequest &request);
     void startCopy(const QString &key);
     void setState(const Task &task, TaskState state);
@@ -109,6 +116,8 @@ private:
     void announceProgress(const Task &task);
     void parsed(Task &task);
     std::optional<FailureReason> takeAnswer(Task &task, DownloadResult &result);
+    void wantThumbnail(const Task &task);
+    FinishedFiles filesOf(const QString &key);
     void finished(Task &task);
     bool refresh(Task &task, double code);
     void dropThumbnail(const QString &key);

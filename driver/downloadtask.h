@@ -10,6 +10,16 @@
 /** More videos than this are never downloaded at once. */
 constexpr int maxVideoLimit = 100;
 
+/** What is to be done when a file with the video's name is there, and is not the task's own. */
+enum class OnConflict {
+    Rename, ///< the video gets a number
+    Skip,   ///< it is not downloaded
+    /** It has a number until it is complete, and then takes the place of the file. Not of a file of
+     * another task of the list, nor of one that is still being downloaded: then it keeps its
+     * number. */
+    Overwrite,
+};
+
 /** One video to fetch. */
 struct DownloadRequest
 {
@@ -28,6 +38,7 @@ struct DownloadRequest
     /** A finished task with its file: fetch a larger picture, of the profile's size, in its place.
      */
     bool upgrade = false;
+    OnConflict onConflict = OnConflict::Rename; ///< not of upgrades, which keep their name
 };
 
 /** How a task ended. */
@@ -35,6 +46,7 @@ enum class DownloadOutcome {
     Finished, ///< the file exists (for inspections: the site offers formats)
     Failed,   ///< see the cause
     Stopped,  ///< the application stopped it
+    Skipped,  ///< a file with its name is there: the list is as if it had not been asked for
 };
 
 /** What a finished task found. */
@@ -66,13 +78,15 @@ struct DownloadResult
     QString address; ///< as in the request
     QString title;   ///< as the site gave it; empty when that is not known
     DownloadOutcome outcome = DownloadOutcome::Failed;
-    QString path;                          ///< absolute path of the finished video, else empty
+    QString path; ///< absolute path of the finished video, or of what had a skipped one's name
     FailureReason failure;                 ///< of a failed task
     Finding finding = Finding::Downloaded; ///< of a finished task
     PictureSize former;                    ///< of an upgrade: the picture before it
     PictureSize picture;                   ///< of an upgrade: the picture now
     VideoOffer offer;                      ///< of a finished inspection
     int seconds = 0;                       ///< of a finished inspection: the video's length
+    bool overwrote = false;                ///< it has taken the place of another file
+    QString notOverwritten; ///< why it has not, for people; empty when it did not try
 };
 
 /** How far a running video is. */

@@ -4,7 +4,6 @@
 #include "driver/historylock.h"
 #include "driver/journal.h"
 #include "driver/journalentry.h"
-#include "driver/recordtext.h"
 #include "history/historyfile.h"
 
 #include <QDir>
@@ -15,9 +14,6 @@
 #include <utility>
 
 namespace {
-
-// A journal that is longer than its history and this takes longer to read than the history.
-constexpr qint64 shortJournal = qint64{1} << 20;
 
 // A link would be replaced by the rename of a save, so the file behind it is the history.
 QString realPath(const QString &path)
@@ -71,133 +67,6 @@ QString HistoryKeeper::setAsideJournal() const
     return m_setAsideJournal;
 }
 
-// Of a task at rest nothing is remembered: its next change writes all of it.
-QJsonObject HistoryKeeper::changeOf(const QString &key)
-{
-    QJsonObject now;
-    {
-        const ControllerLock lock;
-        CXMLInfo *record = m_controller.getXMLInfo(key);
-        if (record == nullptr)
-            return {};
-        now = recordtext::fieldsOf(*record);
-        if (taskrecord::isInterrupted(*record))
-            m_atWork.insert(key);
-    }
-    QJsonObject changed = recordtext::changes(m_stored.value(key), now);
-    if (m_atWork.contains(key))
-        m_stored.insert(key, now);
-    return changed;
-}
-
-bool HistoryKeeper::isUpgrading(const QString &key)
-{
-    const MutexLock lock(m_mutex);
-    return m_upgrades.contains(key);
-}
-
-bool HistoryKeeper::commit(const QStringList &keys)
-{
-    QSet<QString> due(keys.cbegin(), keys.cend());
-    due.unite(std::exchange(m_unstored, {}));
-    QList<QJsonObject> entries;
-    for (const QString &key : std::as_const(due)) {
-        const QJsonObject changed = isUpgrading(key) ? QJsonObject() : changeOf(key);
-        if (!changed.isEmpty())
-            entries.append({{journalentry::task, key}, {journalentry::fields, changed}});
-    }
-    if (entries.isEmpty() || append(entries))
-        return true;
-    m_unstored = due;
-    for (const QString &key : std::as_const(due))
-        m_stored.remove(key);
-    return false;
-}
-
-void HistoryKeeper::settle(const QString &key)
-{
-    m_atWork.remove(key);
-    m_stored.remove(key);
-}
-
-bool HistoryKeeper::append(const QList<QJsonObject> &entries)
-{
-    if (!m_open)
-        return reportSave(tr("the history is not open"));
-    QByteArray digest;
-    {
-        const MutexLock lock(m_mutex);
-        digest = this->digest();
-    }
-    if (!m_journal->append(entries, digest) || !m_journal->sync())
-        return reportSave(tr("%1.journal cannot be written; the disk may be full").arg(m_path));
-    if (m_journal->size() > shortJournal + QFileInfo(m_path).size())
-        return reportSave(save());
-    return reportSave({});
-}
-
-QByteArray HistoryKeeper::digest()
-{
-    if (!m_digest)
-        m_digest =
-            m_digestOfLoaded.valid() ? m_digestOfLoaded.get() : Journal::digestOfFile(m_path);
-    return *m_digest;
-}
-
-bool HistoryKeeper::reportSave(const QString &problem)
-{
-    if (!problem.isEmpty() && !m_failing)
-        emit saveFailed(problem);
-    m_failing = !problem.isEmpty();
-    return problem.isEmpty();
-}
-
-void HistoryKeeper::recordSize(const QString &key, qint64 bytes)
-{
-    const MutexLock lock(m_mutex);
-    QJsonObject entry{{journalentry::task, key}};
-    const auto upgrade = m_upgrades.find(key);
-    if (upgrade == m_upgrades.end()) {
-        entry.insert(journalentry::fields,
-                     QJsonObject{{QStringLiteral("FileSize"), QString::number(bytes)}});
-    } else {
-        upgrade->insert(QStringLiteral("freshSize"), bytes);
-        entry.insert(journalentry::upgrade, *upgrade);
-    }
-    if (m_saving)
-        m_late.append(entry);
-    if (m_digest) // else no task of this program is in the journal
-        m_journal->append({entry}, *m_digest);
-}
-
-bool HistoryKeeper::beginUpgrade(const QString &key, const UpgradeFiles &files)
-{
-    const QJsonObject upgrade = journalentry::asJson(files);
-    {
-        const MutexLock lock(m_mutex);
-        m_upgrades.insert(key, upgrade);
-    }
-    m_atWork.insert(key);
-    return append({QJsonObject{{journalentry::task, key}, {journalentry::upgrade, upgrade}}});
-}
-
-// The line that ends it goes with the record, so that neither is on disk without the other.
-void HistoryKeeper::endUpgrade(const QString &key)
-{
-    {
-        const MutexLock lock(m_mutex);
-        if (m_upgrades.remove(key) == 0)
-            return;
-    }
-    const QJsonObject changed = changeOf(key);
-    if (append({QJsonObject{{journalentry::task, key},
-                            {journalentry::fields, changed},
-                            {journalentry::upgrade, QJsonValue::Null}}}))
-        return;
-    m_unstored.insert(key);
-    m_stored.remove(key);
-}
-
 // Reading the journal then adds little to reading the history.
 QString HistoryKeeper::save()
 {
@@ -244,8 +113,7 @@ void HistoryKeeper::beginJournalAnew(const QList<QJsonObject> &late)
     QList<QJsonObject> entries;
     for (const QString &key : std::as_const(m_atWork))
         entries.append({{journalentry::task, key}});
-    for (auto upgrade = m_upgrades.begin(); upgrade != m_upgrades.end(); ++upgrade)
-        entries.append({{journalentry::task, upgrade.key()}, {journalentry::upgrade, *upgrade}});
+    entries += m_begun.values();
     entries += late;
     if (!entries.isEmpty())
         m_journal->append(entries, *m_digest);

@@ -18,6 +18,7 @@
 
 class HistoryLock;
 class Journal;
+struct MovedFiles;
 struct UpgradeFiles;
 
 /**
@@ -84,6 +85,9 @@ public:
      */
     void settle(const QString &key);
 
+    /** Has on disk when it returns that the task is leaving the list. */
+    bool drop(const QString &key);
+
     /**
      * Records the size of a task's video, so that after a sudden end of the program the complete
      * file can be distinguished from anybody else's. To be called before the file gets its name.
@@ -99,6 +103,14 @@ public:
     /** The upgrade has ended, either way; `commit` now takes the record as it is. */
     void endUpgrade(const QString &key);
 
+    /**
+     * Has on disk when it returns that these files of the task are about to be moved. Unless
+     * `endMove` comes, the next `open` finds out which of them were, and has the record say so.
+     */
+    bool beginMove(const QString &key, const MovedFiles &files);
+    /** The files are moved, or not, and the record says where they are. */
+    void endMove(const QString &key);
+
     /** Writes the whole history, and ends the journal. @return why it failed, in English; empty on
      * success: then nothing is lost, and history and journal on disk are as before */
     QString save();
@@ -113,7 +125,9 @@ private:
     QString setAside();
     QString setAsideForeignJournal();
     void replay(const QList<QJsonObject> &entries);
-    bool isUpgrading(const QString &key);
+    bool begin(const QString &key, const QString &what, const QJsonObject &files);
+    void end(const QString &key, const QString &what);
+    bool hasBegun(const QString &key);
     QJsonObject changeOf(const QString &key);
     bool append(const QList<QJsonObject> &entries);
     void beginJournalAnew(const QList<QJsonObject> &late) VIDEODOWN_REQUIRES(m_mutex);
@@ -142,8 +156,8 @@ private:
     // Of the history on disk; made when it is needed.
     std::optional<QByteArray> m_digest VIDEODOWN_GUARDED_BY(m_mutex);
     std::future<QByteArray> m_digestOfLoaded VIDEODOWN_GUARDED_BY(m_mutex); // being made
-    // Entries of the upgrades that have not ended.
-    QHash<QString, QJsonObject> m_upgrades VIDEODOWN_GUARDED_BY(m_mutex);
+    // Entries of the upgrades and moves that have not ended.
+    QHash<QString, QJsonObject> m_begun VIDEODOWN_GUARDED_BY(m_mutex);
     // Sizes noted while the history is being saved.
     QList<QJsonObject> m_late VIDEODOWN_GUARDED_BY(m_mutex);
     bool m_saving VIDEODOWN_GUARDED_BY(m_mutex) = false;

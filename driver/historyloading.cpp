@@ -37,6 +37,8 @@ struct TaskChanges
 {
     QJsonObject fields;
     QJsonValue upgrade; // of one that has not ended
+    QJsonValue moved;   // files that perhaps were
+    bool dropped = false;
 };
 
 } // namespace
@@ -117,21 +119,33 @@ void HistoryKeeper::replay(const QList<QJsonObject> &entries)
         if (!tasks.contains(key))
             order.append(key);
         TaskChanges &task = tasks[key];
+        if (entry.contains(journalentry::dropped))
+            task = {};
+        task.dropped = entry.contains(journalentry::dropped);
         task.fields = recordtext::merged(task.fields, entry.value(journalentry::fields).toObject());
         if (entry.contains(journalentry::upgrade))
             task.upgrade = entry.value(journalentry::upgrade);
+        if (entry.contains(journalentry::moved))
+            task.moved = entry.value(journalentry::moved);
     }
     for (const QString &key : std::as_const(order)) {
         leftovers::Names left;
         {
             const ControllerLock lock;
             CXMLInfo *record = m_controller.getXMLInfo(key);
+            if (tasks[key].dropped) {
+                const std::unique_ptr<CXMLInfo> unlinked(record);
+                m_controller.remove(key, false);
+                continue;
+            }
             if (record == nullptr && tasks[key].fields.isEmpty())
                 continue;
             if (record == nullptr)
                 record = m_controller.m_pHistory->Add(nullptr);
             recordtext::setFields(
                 *record, recordtext::merged(recordtext::fieldsOf(*record), tasks[key].fields));
+            if (tasks[key].moved.isObject())
+                leftovers::follow(*record, journalentry::movedIn(tasks[key].moved.toObject()));
             left = leftovers::of(*record, m_unfinished);
         }
         leftovers::remove(left);

@@ -25,4 +25,21 @@ UpgradeFiles upgradeIn(const QJsonObject &json)
     return files;
 }
 
+QJsonObject asJson(const MovedFiles &files)
+{
+    QJsonArray moves;
+    for (const auto &[from, to] : files.moves)
+        moves.append(QJsonArray{from, to});
+    return {{QStringLiteral("moves"), moves}, {QStringLiteral("size"), files.size}};
+}
+
+MovedFiles movedIn(const QJsonObject &json)
+{
+    MovedFiles files;
+    for (const auto &move : json.value(QStringLiteral("moves")).toArray())
+        files.moves.append({move[0].toString(), move[1].toString()});
+    files.size = json.value(QStringLiteral("size")).toInteger();
+    return files;
+}
+
 } // namespace journalentry

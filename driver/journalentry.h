@@ -16,8 +16,16 @@ inline const QString fields = QStringLiteral("fields");
 /** The upgrade that begins, as `asJson` has it, or null: it has ended. */
 inline const QString upgrade = QStringLiteral("upgrade");
 
+/** The files that are about to be moved, as `asJson` has them, or null: they are. */
+inline const QString moved = QStringLiteral("moved");
+
+/** True: the task has left the list. */
+inline const QString dropped = QStringLiteral("dropped");
+
 QJsonObject asJson(const UpgradeFiles &files);
 UpgradeFiles upgradeIn(const QJsonObject &json);
+QJsonObject asJson(const MovedFiles &files);
+MovedFiles movedIn(const QJsonObject &json);
 
 } // namespace journalentry
 

@@ -86,4 +86,20 @@ void undo(const UpgradeFiles &upgrade, const UnfinishedFiles &unfinished)
     }
 }
 
+void follow(CXMLInfo &record, const MovedFiles &files)
+{
+    for (const auto &[from, to] : files.moves) {
+        if (disk::isTaken(from) || QFileInfo(to).size() != files.size)
+            continue;
+        if (files.moves.size() == 1) // there is no copy
+            record.SaveAsFileName = record.SaveAsPath + u'/' + QFileInfo(to).fileName();
+        else if (record.SaveAsFileName == from)
+            record.SaveAsFileName = to;
+        if (record.FileName != from)
+            continue;
+        record.FileName = to;
+        record.Title = record.BaseName = QFileInfo(to).completeBaseName();
+    }
+}
+
 } // namespace leftovers

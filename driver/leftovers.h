@@ -20,6 +20,18 @@ struct UpgradeFiles
     qint64 freshSize = 0; ///< bytes of the new video; 0 while that is not known
 };
 
+/** The complete files of a task that take the place of others. */
+struct MovedFiles
+{
+    struct Move
+    {
+        QString from;
+        QString to;
+    };
+    QList<Move> moves; ///< in their order: of the copy if there is one, then of the video
+    qint64 size = 0;   ///< bytes of each of them
+};
+
 namespace leftovers {
 
 /** What a task may have left. Collected under the controller lock, removed without it. */
@@ -45,6 +57,10 @@ void remove(const Names &names);
  * of the new ones. A file that is neither stays, and the old one then stays aside.
  */
 void undo(const UpgradeFiles &upgrade, const UnfinishedFiles &unfinished);
+
+/** Has the record name its files as they are called now, however many were moved. The caller holds
+ * the controller lock. */
+void follow(CXMLInfo &record, const MovedFiles &files);
 
 } // namespace leftovers
 

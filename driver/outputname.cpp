@@ -70,21 +70,23 @@ std::optional<OutputName> ownName(const OutputPlace &place)
     return OutputName{base, place.ownVideo, copy, true};
 }
 
+OutputName nameOf(const OutputPlace &place, const QString &base)
+{
+    const QString video =
+        CDown::CustomVideoName(place.downloadFolder, base, u'.' + place.extension, false);
+    return {base, video,
+            reservesCopy(place) ? place.copyFolder + u'/' + QFileInfo(video).fileName()
+                                : QString()};
+}
+
 OutputName freeName(const OutputPlace &place)
 {
-    const QString base = plaintext::fileTitle(place.title, place.key);
-    QString name = base;
-    for (int n = 0;; name = base + u'_' + QString::number(n++)) {
-        const QString video =
-            CDown::CustomVideoName(place.downloadFolder, name, u'.' + place.extension, false);
-        if (disk::isTaken(video) || place.claimed.contains(video))
-            continue;
-        if (!reservesCopy(place))
-            return {name, video, {}};
-        const QString copy = place.copyFolder + u'/' + QFileInfo(video).fileName();
-        if (!disk::isTaken(copy))
-            return {name, video, copy};
-    }
+    const OutputName plain = plainName(place);
+    OutputName name = plain;
+    for (int n = 0; disk::isTaken(name.video) || place.claimed.contains(name.video) ||
+                    (!name.copy.isEmpty() && disk::isTaken(name.copy));)
+        name = nameOf(place, plain.title + u'_' + QString::number(n++));
+    return name;
 }
 
 // What the task left under a name that it does not keep.
@@ -115,6 +117,20 @@ OutputName plannedName(const OutputPlace &place)
 {
     const auto own = ownName(place);
     return own ? *own : freeName(place);
+}
+
+OutputName plainName(const OutputPlace &place)
+{
+    return nameOf(place, plaintext::fileTitle(place.title, place.key));
+}
+
+QString conflictWith(const OutputPlace &place)
+{
+    if (ownName(place))
+        return {};
+    const OutputName plain = plainName(place);
+    const QString path = plain.copy.isEmpty() ? plain.video : plain.copy;
+    return disk::isTaken(path) || place.claimed.contains(plain.video) ? path : QString();
 }
 
 std::variant<Reservation, FailureReason> reserve(const OutputName &name)

@@ -49,6 +49,15 @@ std::variant<OutputName, FailureReason> chooseOutputName(const OutputPlace &plac
 /** The same, but makes and removes nothing. */
 OutputName plannedName(const OutputPlace &place);
 
+/** The name that the video would have if no name were ever taken. */
+OutputName plainName(const OutputPlace &place);
+
+/**
+ * What stands in the place of the file that is finally wanted, and is not the task's own.
+ * @return its path; empty when there is nothing
+ */
+QString conflictWith(const OutputPlace &place);
+
 /** What became of a name that was chosen. */
 enum class Reservation {
     Done,  ///< it is the task's

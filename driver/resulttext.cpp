@@ -19,6 +19,14 @@ QString failureOf(const DownloadResult &result)
     return line;
 }
 
+QString conflictOf(const DownloadResult &result)
+{
+    const QString name = nameOf(result);
+    return result.overwrote ? QStringLiteral("overwritten: %1: \"%2\"").arg(name, result.path)
+                            : QStringLiteral("not overwritten: %1: %2; the video is \"%3\"")
+                                  .arg(name, result.notOverwritten, result.path);
+}
+
 QString findingOf(const DownloadResult &result)
 {
     const QString name = nameOf(result);
@@ -55,9 +63,13 @@ QString summaryOf(const DownloadResult &result)
         return failureOf(result);
     case DownloadOutcome::Stopped:
         return QStringLiteral("stopped: ") + nameOf(result);
+    case DownloadOutcome::Skipped:
+        return QStringLiteral("skipped: %1: \"%2\" is there").arg(nameOf(result), result.path);
     case DownloadOutcome::Finished:
         break;
     }
+    if (result.overwrote || !result.notOverwritten.isEmpty())
+        return conflictOf(result);
     return findingOf(result);
 }
 

@@ -121,9 +121,20 @@ void Dispatcher::parsed(Task &task)
         result.outcome = DownloadOutcome::Finished;
         result.offer = task.offer;
         end(task, result);
-    } else {
+    } else if (!skip(task)) {
+        wantThumbnail(task);
         m_tasks.moveTo(task, Stage::Ready);
     }
+}
+
+// An upgrade replaces the thumbnail too, but only once it is sure.
+void Dispatcher::wantThumbnail(const Task &task)
+{
+    const ControllerLock lock;
+    const CXMLInfo *record = controller().getXMLInfo(task.key);
+    if (m_settings.thumbnails && record != nullptr && !record->ImageURL.isEmpty() &&
+        !task.upgrade && !task.refreshed)
+        m_thumbnailsToGet.append(task.key);
 }
 
 // Why there is nothing to download, or nothing.
@@ -141,30 +152,31 @@ std::optional<FailureReason> Dispatcher::takeAnswer(Task &task, DownloadResult &
                               m_settings.offerAdvice.isEmpty()
                                   ? Texts::tr("Look at the page in a browser.")
                                   : m_settings.offerAdvice);
-    // An upgrade replaces the thumbnail too, but only once it is sure.
-    if (m_settings.thumbnails && !record->ImageURL.isEmpty() && !task.upgrade && !task.refreshed &&
-        !task.request.inspectOnly)
-        m_thumbnailsToGet.append(task.key);
     return std::nullopt;
+}
+
+FinishedFiles Dispatcher::filesOf(const QString &key)
+{
+    const ControllerLock lock;
+    const CXMLInfo *record = controller().getXMLInfo(key);
+    if (record == nullptr)
+        return {};
+    return {record->FileName, record->IsOrgVideo == 1 ? record->SaveAsFileName : QString()};
 }
 
 void Dispatcher::finished(Task &task)
 {
-    FinishedFiles files;
+    if (const auto reason = missingFile(filesOf(task.key))) {
+        endFailed(task, *reason);
+        return;
+    }
     DownloadResult result;
     result.outcome = DownloadOutcome::Finished;
-    {
-        const ControllerLock lock;
-        if (const CXMLInfo *record = controller().getXMLInfo(task.key)) {
-            files.video = record->FileName;
-            files.copy = record->IsOrgVideo == 1 ? record->SaveAsFileName : QString();
-        }
-    }
+    if (task.wanted)
+        overwrite(task, *task.wanted, result);
+    const FinishedFiles files = filesOf(task.key);
     result.path = files.copy.isEmpty() ? files.video : files.copy;
-    if (const auto reason = missingFile(files))
-        endFailed(task, *reason);
-    else
-        end(task, result);
+    end(task, result);
 }
 
 // Stream addresses do not keep; the page's are fresh. Comes before what was never begun.
@@ -262,5 +274,9 @@ void Dispatcher::end(Task &task, DownloadResult result)
         dropInspected(ended);
     recordEnd(ended, result.outcome);
     endUpgrade(ended, result);
-    announce([this, result] { emit m_driver.ended(result); });
+    announce([this, result] {
+        if (result.outcome == DownloadOutcome::Skipped)
+            dropSkipped(result.key);
+        emit m_driver.ended(result);
+    });
 }

@@ -9,22 +9,24 @@
 // False when the task has ended here. The name is not taken yet.
 bool Dispatcher::nameVideo(Task &task)
 {
+    if (skip(task))
+        return false;
     PictureSize offered;
-    auto place = placeFor(task, offered);
+    const auto place = placeFor(task, offered);
     if (!place) {
         endFailed(task, refusal(task.key));
         return false;
     }
     if (!confirmUpgrade(task, offered))
         return false;
-    for (const Task *other : m_tasks.in(Stage::Named))
-        place->claimed.insert(other->name->video);
     const auto name = chooseOutputName(*place);
     if (const auto *reason = std::get_if<FailureReason>(&name)) {
         endFailed(task, *reason);
         return false;
     }
     recordName(task, std::get<OutputName>(name));
+    if (task.request.onConflict == OnConflict::Overwrite && !task.upgrade)
+        task.wanted = plainName(*place);
     return true;
 }
 
@@ -44,6 +46,8 @@ std::optional<OutputPlace> Dispatcher::placeFor(Task &task, PictureSize &offered
     place.copyFolder = request.outputFolder;
     place.copies = request.keepSource;
     place.unfinished = m_settings.unfinishedFiles;
+    for (const Task *other : m_tasks.in(Stage::Named))
+        place.claimed.insert(other->name->video);
     const ControllerLock lock;
     CXMLInfo *record = controller().getXMLInfo(task.key);
     if (record == nullptr)

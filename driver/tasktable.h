@@ -4,6 +4,7 @@
 
 #include "driver/downloadtask.h"
 #include "driver/outputname.h"
+#include "driver/taskstate.h"
 #include "driver/upgrade.h"
 
 #include <QList>
@@ -34,10 +35,12 @@ struct Task
     VideoOffer offer; // once it is parsed
     bool stopping = false;
     bool diskFull = false;
-    bool refreshed = false;         // has asked for new addresses
-    bool byProfile = true;          // how the library is to choose the format
-    std::optional<OutputName> name; // chosen, and perhaps reserved
-    std::optional<Upgrade> upgrade; // one that has begun
+    bool refreshed = false;           // has asked for new addresses
+    bool byProfile = true;            // how the library is to choose the format
+    std::optional<OutputName> name;   // chosen, and perhaps reserved
+    std::optional<OutputName> wanted; // the names to have in the end, whoever has them
+    std::optional<TaskState> former;  // what it was in the list; nothing: it was not there
+    std::optional<Upgrade> upgrade;   // one that has begun
     Finding finding = Finding::Downloaded;
 };
 

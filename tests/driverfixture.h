@@ -25,6 +25,9 @@ public:
         settings.videoLimit = limit;
         settings.failureText = [](double code) { return u"cause %1"_s.arg(code); };
         settings.failureAdvice = [](double code) { return u"advice %1"_s.arg(code); };
+        settings.unfinishedFiles = [](const QString &path) {
+            return QStringList{path + u".part"_s};
+        };
         settings.hasExpired = [](double code) { return code == 410; };
         driver = std::make_unique<DownloadDriver>(settings);
         QObject::connect(driver.get(), &DownloadDriver::ended,

@@ -67,6 +67,7 @@ private slots:
         QTest::newRow("odd format") << u"get -f mp4:wide PAGE"_s << 2 << u"\"mp4:wide\""_s;
         QTest::newRow("empty picture") << u"formats -f mp4:0x9 PAGE"_s << 2 << u"from 1 to"_s;
         QTest::newRow("odd progress") << u"get --progress no PAGE"_s << 2 << u"\"no\""_s;
+        QTest::newRow("odd action") << u"get --on-conflict no PAGE"_s << 2 << u"\"no\" is none"_s;
         QTest::newRow("odd proxy") << u"get --proxy host PAGE"_s << 2 << u"host:port"_s;
         QTest::newRow("proxy kind") << u"get --proxy ftp://h:1 PAGE"_s << 2 << u"host:port"_s;
         QTest::newRow("no rate") << u"get --limit-rate 5 PAGE"_s << 2 << u"\"5\" is not a rate"_s;
@@ -214,6 +215,42 @@ private slots:
         QCOMPARE(object[u"format"][u"number"].toInt(), 34);
         QCOMPARE(all(), before);
         QCOMPARE(contents(path("data/videodown/history.xml")), history);
+    }
+
+    void takenNames()
+    {
+        QFile theirs(path("Small video 1.flv"));
+        QVERIFY(theirs.open(QIODevice::WriteOnly) && theirs.write("theirs") == 6);
+        theirs.close();
+        const QStringList get{u"get"_s, u"--json"_s, page("small-1"), u"--on-conflict"_s};
+        const auto object = [](const Ended &ended) {
+            return QJsonDocument::fromJson(ended.output.toUtf8()).object();
+        };
+        for (const bool isDry : {true, false}) {
+            const QStringList skip = get + QStringList{u"skip"_s} +
+                                     (isDry ? QStringList{u"--dry-run"_s} : QStringList());
+            const Ended ended = run(skip);
+            QCOMPARE(ended.code, 0);
+            QCOMPARE(object(ended)[u"path"].toString(), theirs.fileName());
+            QVERIFY(isDry ? object(ended)[u"skipped"].toBool()
+                          : object(ended)[u"status"].toString() == u"skipped"_s);
+            QVERIFY(isDry ? ended.error.contains(u"would skip: "_s)
+                          : ended.error.endsWith(u"0 finished, 0 failed, 1 skipped\n"_s));
+        }
+        QVERIFY(run({u"list"_s}).output.isEmpty());
+        QCOMPARE(contents(theirs.fileName()), "theirs");
+        const QStringList overwrite = get + QStringList{u"overwrite"_s};
+        QVERIFY(object(run(overwrite + QStringList{u"--dry-run"_s}))[u"overwrites"].toBool());
+        const QJsonObject finished = object(run(overwrite));
+        QVERIFY(finished[u"overwrote"].toBool());
+        QCOMPARE(finished[u"path"].toString(), theirs.fileName());
+        QCOMPARE(contents(theirs.fileName()), smallVideo(1, 34));
+        QCOMPARE(files(), QStringList{u"Small video 1.flv"_s});
+        QVERIFY(run({u"list"_s, u"--json"_s}).output.contains(theirs.fileName()));
+        // Two equal titles: the second video does not cost the first one.
+        const QStringList both{page("sameTitleA1"), page("sameTitleB2")};
+        QCOMPARE(run(QStringList{u"get"_s, u"--on-conflict"_s, u"overwrite"_s} + both).code, 0);
+        QCOMPARE(files().size(), 3);
     }
 
     void proxyPassword()

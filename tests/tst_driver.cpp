@@ -9,6 +9,7 @@
 #include <QTest>
 
 Q_DECLARE_METATYPE(DownloadOutcome)
+Q_DECLARE_METATYPE(OnConflict)
 
 namespace {
 
@@ -442,6 +443,131 @@ private slots:
         f.engine.sendResponse(other, TaskFixture::response(1));
         f.turn();
         QCOMPARE(f.savePath(other), f.root.filePath(u"dl/Clip 1_0.mp4"_s));
+    }
+
+    // With "dl/Clip 1.mp4" taken, or with the copy's place in "out" taken as well.
+    void conflicts_data()
+    {
+        QTest::addColumn<OnConflict>("action");
+        QTest::addColumn<QString>("present"); // in the place of the video
+        QTest::addColumn<QString>("name");    // of the video in the end; empty: it is skipped
+        QTest::addColumn<QString>("told");    // why nothing is overwritten
+        const QString plain = u"Clip 1"_s;
+        const QString numbered = u"Clip 1_0"_s;
+        const auto row = [](const char *name, OnConflict action, const char *present,
+                            const QString &wanted, const char *told) {
+            QTest::newRow(name) << action << QString::fromLatin1(present) << wanted
+                                << QString::fromLatin1(told);
+        };
+        row("renamed", OnConflict::Rename, "file", numbered, "");
+        row("skipped", OnConflict::Skip, "file", {}, "");
+        row("skipped for a copy", OnConflict::Skip, "copy", {}, "");
+        row("nothing to skip for", OnConflict::Skip, "", plain, "");
+        row("overwritten", OnConflict::Overwrite, "file", plain, "");
+        row("copy overwritten", OnConflict::Overwrite, "copy", plain, "");
+        row("gone meanwhile", OnConflict::Overwrite, "file gone", plain, "");
+        row("another task's", OnConflict::Overwrite, "file task", numbered, "of another task");
+        row("by another name", OnConflict::Overwrite, "file task link", numbered, "of another");
+        row("at work elsewhere", OnConflict::Overwrite, "file part", numbered, "still being");
+        row("folder", OnConflict::Overwrite, "folder", numbered, "not a file");
+        row("link", OnConflict::Overwrite, "link", numbered, "not a file");
+    }
+
+    void conflicts()
+    {
+        QFETCH(const OnConflict, action);
+        QFETCH(const QString, present);
+        QFETCH(const QString, name);
+        QFETCH(const QString, told);
+        DriverFixture f;
+        const bool copies = present == u"copy"_s;
+        const QString extension = copies ? u".flv"_s : u".mp4"_s;
+        const QString taken = f.root.filePath(u"dl/Clip 1"_s + extension);
+        const QString copy = f.root.filePath(u"out/Clip 1"_s + extension);
+        if (present.startsWith(u"file"_s) || copies)
+            TaskFixture::write(taken, "theirs");
+        if (copies)
+            TaskFixture::write(copy, "theirs");
+        if (present == u"folder"_s)
+            QVERIFY(QDir().mkpath(taken));
+        if (present == u"link"_s)
+            QVERIFY(QFile::link(u"/nowhere"_s, taken));
+        if (present.contains(u"part"_s))
+            TaskFixture::write(taken + u".part"_s, "begun");
+        if (present.contains(u"task"_s)) {
+            const ControllerLock lock;
+            CXMLInfo *other = f.driver->controller().m_pHistory->Add(nullptr);
+            other->State = int(TaskState::Finished);
+            QVERIFY(QFile::link(f.root.filePath(u"dl"_s), f.root.filePath(u"link"_s)));
+            other->FileName =
+                present.contains(u"link"_s) ? f.root.filePath(u"link/Clip 1.mp4"_s) : taken;
+        }
+        DownloadRequest request;
+        request.address = f.url(1);
+        request.outputFolder = f.root.filePath(u"out"_s);
+        request.keepSource = copies;
+        request.onConflict = action;
+        const QString key = f.driver->add(request);
+        f.turn();
+        f.engine.sendResponse(key, TaskFixture::response(1));
+        f.turn();
+        if (name.isEmpty()) {
+            QCOMPARE(f.results.first().outcome, DownloadOutcome::Skipped);
+            QCOMPARE(f.results.first().path, copies ? copy : taken);
+            QCOMPARE(TaskFixture::read(taken), "theirs");
+            QVERIFY(f.engine.calls("video").isEmpty() && f.engine.calls("image").isEmpty());
+            QVERIFY(f.driver->controller().getXMLInfo(key) == nullptr);
+            QCOMPARE(f.idleCount, 1);
+            return;
+        }
+        QCOMPARE(f.savePath(key).contains(u"_0."_s), !present.isEmpty());
+        if (present.endsWith(u"gone"_s))
+            QVERIFY(QFile::remove(taken));
+        f.finish(key, "ours");
+        f.turn();
+        const DownloadResult result = f.results.first();
+        const CXMLInfo &record = *f.driver->controller().getXMLInfo(key);
+        const QString file = name + extension;
+        QCOMPARE(result.path, f.root.filePath((copies ? u"out/"_s : u"dl/"_s) + file));
+        QCOMPARE(TaskFixture::read(result.path), "ours");
+        QCOMPARE(record.FileName, f.root.filePath(u"dl/"_s + file));
+        QCOMPARE(TaskFixture::read(record.FileName), "ours");
+        QCOMPARE(record.SaveAsFileName, f.root.filePath(u"out/"_s + file));
+        QCOMPARE(record.BaseName, name);
+        QCOMPARE(result.overwrote, action == OnConflict::Overwrite && name == u"Clip 1"_s &&
+                                       !present.endsWith(u"gone"_s));
+        QVERIFY2(told.isEmpty() ? result.notOverwritten.isEmpty()
+                                : result.notOverwritten.contains(told),
+                 qPrintable(result.notOverwritten));
+        if (present.startsWith(u"file"_s) && name != u"Clip 1"_s)
+            QCOMPARE(TaskFixture::read(taken), "theirs");
+    }
+
+    // What was in the list before stays there, as it was.
+    void skippedTasksStay()
+    {
+        DriverFixture f;
+        const QString history = f.root.filePath(u"history.xml"_s);
+        HistoryKeeper keeper(f.driver->controller(), history);
+        QCOMPARE(keeper.open(), QString());
+        f.driver->setKeeper(&keeper);
+        const QString key = f.running(1);
+        f.engine.sendState(key, DOWN_STATE_DOWNLOAD_FAIL, 1007);
+        f.engine.sendState(key + u'1', DOWN_STATE_DOWNLOAD_FINISH);
+        f.turn();
+        TaskFixture::write(f.root.filePath(u"dl/Clip 1.mp4"_s), "theirs");
+        DownloadRequest request;
+        request.address = f.url(1);
+        request.onConflict = OnConflict::Skip;
+        f.driver->add(request);
+        f.turn();
+        f.engine.sendResponse(key, TaskFixture::response(1));
+        f.turn();
+        QCOMPARE(f.results.last().outcome, DownloadOutcome::Skipped);
+        QCOMPARE(f.driver->controller().getXMLInfo(key)->State, int(TaskState::Failed));
+        const QByteArray journal = TaskFixture::read(history + u".journal"_s);
+        QVERIFY(journal.contains(R"("State":"4")") && !journal.contains("dropped"));
+        f.driver->setKeeper(nullptr);
     }
 
     void reservations_data()

@@ -306,6 +306,58 @@ private slots:
             stay);
     }
 
+    // The history then says what the files are called, and has no task that was skipped.
+    void interruptedMoveIsFollowed_data()
+    {
+        QTest::addColumn<QStringList>("moved");
+        QTest::newRow("none") << QStringList();
+        QTest::newRow("copy") << QStringList{u"copy"_s};
+        QTest::newRow("both") << QStringList{u"copy"_s, u"video"_s};
+        QTest::newRow("ended") << QStringList{u"copy"_s, u"video"_s, u"record"_s};
+    }
+
+    void interruptedMoveIsFollowed()
+    {
+        QFETCH(const QStringList, moved);
+        const QString one = u"one"_s;
+        {
+            Application first(m_path);
+            CXMLInfo *task = addTask(first.controller, one, TaskState::Running);
+            task->FileName = file(u"video_0"_s);
+            task->SaveAsFileName = file(u"copy_0"_s);
+            task->IsOrgVideo = 1;
+            task->FileSize = 3;
+            addTask(first.controller, u"two"_s, TaskState::Running);
+            QVERIFY(first.commit({one, u"two"_s}));
+            QCOMPARE(first.keeper.save(), QString());
+            QVERIFY(first.keeper.drop(keyOf(u"two"_s)));
+            MovedFiles files;
+            for (const QString &name : {u"copy"_s, u"video"_s}) {
+                files.moves.append({file(name + u"_0"_s), file(name)});
+                write(file(name), "old one");
+                write(file(moved.contains(name) ? name : name + u"_0"_s), "new");
+            }
+            files.size = 3;
+            QVERIFY(first.keeper.beginMove(keyOf(one), files));
+            QVERIFY(first.commit({one})); // says nothing meanwhile
+            if (moved.contains(u"record"_s)) {
+                task->FileName = file(u"elsewhere"_s); // by a later run
+                first.keeper.endMove(keyOf(one));
+            }
+            takeAway();
+        }
+        Application after(m_path);
+        QVERIFY(taskOf(after.controller, u"two"_s) == nullptr);
+        const CXMLInfo &task = *taskOf(after.controller, one);
+        const QString video = moved.contains(u"video"_s) ? u"video"_s : u"video_0"_s;
+        const bool ended = moved.contains(u"record"_s);
+        QCOMPARE(task.FileName, file(ended ? u"elsewhere"_s : video));
+        QCOMPARE(task.SaveAsFileName,
+                 file(moved.contains(u"copy"_s) && !ended ? u"copy"_s : u"copy_0"_s));
+        for (const QString &name : {u"copy"_s, u"video"_s})
+            QCOMPARE(contentOf(file(name)), moved.contains(name) ? "new" : "old one");
+    }
+
     void interruptedUpgradeIsUndone_data()
     {
         QTest::addColumn<QByteArray>("present"); // where the old video was

@@ -23,6 +23,7 @@ struct CommandLine
     int jobs = 3;
     int retries = -1; ///< -1: as usual
     ProgressMode progress = ProgressMode::Auto;
+    OnConflict onConflict = OnConflict::Rename;
     QStringList arguments;        ///< page addresses, or what names tasks
     QString newName;              ///< to rename to
     QString outputFolder;         ///< empty: the current folder

@@ -48,6 +48,7 @@ protected:
                 {TransferOptions, {m_jobs, m_limitRate, m_noThumbnails, m_progress}},
                 {DeleteOption, {m_deleteFiles}},
                 {ConvertOption, {m_convert}},
+                {ConflictOption, {m_onConflict}},
                 {HistoryOptions, {m_history}}};
     }
 
@@ -138,6 +139,13 @@ protected:
         option({text("convert")},
                "Convert videos that the site does not offer in the wanted format, with ffmpeg. The "
                "converted file goes to the output folder; the downloaded one stays.");
+    const QCommandLineOption m_onConflict{
+        {text("on-conflict")},
+        text("What to do when a file with the video's name is there: \"rename\" gives the video a "
+             "number, \"skip\" does not download it, \"overwrite\" puts it in the place of the "
+             "file once it is complete, unless that is the file of another task. Default: rename."),
+        text("action"),
+        text("rename")};
     const QCommandLineOption m_history =
         option({text("history")},
                "The history file, created if it is missing. Default: videodown/history.xml in the "

@@ -29,6 +29,10 @@ std::variant<CommandLine, Answer> CommandParser::read(const QStringList &argumen
     }
     if (takes(TransferOptions))
         readTransfer();
+    if (takes(ConflictOption)) {
+        const QStringList actions{text("rename"), text("skip"), text("overwrite")};
+        m_line.onConflict = static_cast<OnConflict>(chosenOf(m_onConflict, actions));
+    }
     if (takes(ReportOptions))
         m_line.logFile = named(m_log);
     if (takes(HistoryOptions))
@@ -155,11 +159,19 @@ void CommandParser::readTransfer()
     if (m_parser.isSet(m_limitRate))
         take(m_limitRate, arguments::rate(m_parser.value(m_limitRate)), m_line.limitRate);
     const QStringList modes{text("auto"), text("always"), text("never")};
-    const auto mode = modes.indexOf(m_parser.value(m_progress));
-    if (mode < 0 && m_wrong.isEmpty())
-        m_wrong = QStringLiteral("%1: \"%2\" is none of auto, always and never")
-                      .arg(originOf(m_progress), m_parser.value(m_progress));
-    m_line.progress = static_cast<ProgressMode>(mode);
+    m_line.progress = static_cast<ProgressMode>(chosenOf(m_progress, modes));
+}
+
+// Which of these words the option has.
+qsizetype CommandParser::chosenOf(const QCommandLineOption &option, const QStringList &words)
+{
+    const qsizetype chosen = words.indexOf(m_parser.value(option));
+    if (chosen < 0 && m_wrong.isEmpty())
+        m_wrong =
+            QStringLiteral("%1: \"%2\" is none of %3 and %4")
+                .arg(originOf(option), m_parser.value(option),
+                     words.mid(0, words.size() - 1).join(QLatin1String(", ")), words.constLast());
+    return chosen;
 }
 
 QString CommandParser::named(const QCommandLineOption &from)

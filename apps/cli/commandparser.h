@@ -52,6 +52,7 @@ private:
     void readPasswordFile();
     void readVideoInfo();
     void readTransfer();
+    qsizetype chosenOf(const QCommandLineOption &option, const QStringList &words);
     QString named(const QCommandLineOption &from);
     void readArguments();
     void readLists();

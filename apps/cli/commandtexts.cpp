@@ -25,14 +25,13 @@ const char *const overviewText =
     "  -h, --help              show this help\n"
     "  -v, --version           show the version\n"
     "\n"
-    "Exit status: 0 all tasks are finished; 1 a task failed or was stopped, there is no such "
-    "TASK,\n"
-    "or the results or the history could not be written; 2 wrong options or arguments; 3 a folder\n"
-    "or the log cannot be used; 4 the history cannot be used, for instance because another "
-    "program\n"
-    "is using it. With 2, 3 and 4, nothing was begun. An interrupted program ends by the signal "
-    "(130\n"
-    "after Ctrl-C).\n";
+    "Exit status: 0 all tasks are finished or skipped; 1 a task failed or was stopped, there is "
+    "no\n"
+    "such TASK, or the results or the history could not be written; 2 wrong options or arguments;\n"
+    "3 a folder or the log cannot be used; 4 the history cannot be used, for instance because\n"
+    "another program is using it. With 2, 3 and 4, nothing was begun. An interrupted program ends "
+    "by\n"
+    "the signal (130 after Ctrl-C).\n";
 
 namespace {
 
@@ -42,13 +41,15 @@ constexpr std::array commands{
     CommandText{
         Command::Get, "get", "videodown get [options] ADDRESS...",
         "Downloads the video of each page. Prints the path of each finished video on standard\n"
-        "output, one per line; everything else goes to standard error. Existing files are never\n"
-        "overwritten: a name that is taken gets a number. A video that is in the history, with "
+        "output, one per line; everything else goes to standard error. A name that is taken gets "
+        "a\n"
+        "number, if --on-conflict does not say otherwise. A video that is in the history, with "
         "its\n"
         "file still there, is not downloaded again. Ctrl-C stops the downloads, a second Ctrl-C "
         "quits\n"
         "at once; interrupted downloads resume where they ended.",
-        transfers | FormatOptions | WishOptions | FolderOptions | ConvertOption, 0, -1},
+        transfers | FormatOptions | WishOptions | FolderOptions | ConvertOption | ConflictOption, 0,
+        -1},
     CommandText{
         Command::Formats, "formats", "videodown formats [options] ADDRESS...",
         "Shows in which formats the site offers each video, and marks with \"*\" the one that\n"
@@ -69,12 +70,12 @@ constexpr std::array commands{
         Command::Resume, "resume", "videodown resume [options]",
         "Continues the downloads that were interrupted or stopped, in their folders and under\n"
         "their names. Reports like \"get\".",
-        transfers | ConvertOption, 0, 0},
+        transfers | ConvertOption | ConflictOption, 0, 0},
     CommandText{
         Command::Retry, "retry", "videodown retry [options] [TASK...]",
         "Tries these tasks again; without a TASK, all that failed or were stopped. Reports\n"
         "like \"get\".",
-        transfers | ConvertOption, 0, -1},
+        transfers | ConvertOption | ConflictOption, 0, -1},
     CommandText{
         Command::Upgrade, "upgrade", "videodown upgrade -f EXT:WxH [options] TASK",
         "Replaces the video of a finished task by a larger one, if it is smaller than asked for\n"

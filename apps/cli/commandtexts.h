@@ -16,6 +16,7 @@ enum OptionGroup : unsigned {
     JsonOption = 1U << 7U,        ///< --json alone
     DeleteOption = 1U << 8U,      ///< --delete-files
     ConvertOption = 1U << 9U,     ///< --convert
+    ConflictOption = 1U << 10U,   ///< --on-conflict
 };
 
 struct CommandText

@@ -4,6 +4,7 @@
 #include "commandhistory.h"
 #include "driver/addresscheck.h"
 #include "driver/outputname.h"
+#include "driver/overwriting.h"
 #include "driver/resulttext.h"
 #include "jsonline.h"
 #include "session.h"
@@ -24,6 +25,8 @@ struct Plan
     QString path;
     qint64 bytes = 0; // 0: not known
     bool isThere = false;
+    bool isSkipped = false; // something has the path
+    bool overwrites = false;
 };
 
 class DryRun
@@ -89,7 +92,7 @@ private:
     Plan planFor(const DownloadResult &result)
     {
         const FormatWish wish = result.offer.settled(m_line.profile, m_line.keepSource);
-        Plan plan{result.offer.chosen(wish), {}, 0, false};
+        Plan plan{result.offer.chosen(wish), {}, 0, false, false, false};
         OutputPlace place;
         place.title = result.title;
         place.key = result.key;
@@ -109,10 +112,27 @@ private:
         }
         if (plan.isThere)
             return plan;
+        nameIn(plan, place, result.key);
+        return plan;
+    }
+
+    void nameIn(Plan &plan, const OutputPlace &place, const QString &key)
+    {
+        const QString taken =
+            m_line.onConflict == OnConflict::Rename ? QString() : conflictWith(place);
+        plan.isSkipped = m_line.onConflict == OnConflict::Skip && !taken.isEmpty();
+        plan.path = taken;
+        if (plan.isSkipped)
+            return;
         const QString video = plannedName(place).video;
         m_claimed.insert(video);
-        plan.path = m_line.keepSource ? m_output + u'/' + QFileInfo(video).fileName() : video;
-        return plan;
+        plan.overwrites = !taken.isEmpty() && !m_claimed.contains(plainName(place).video) &&
+                          !overwriting::obstacle(m_session.driver().controller(), key, taken,
+                                                 commandhistory::unfinishedFiles);
+        if (plan.overwrites)
+            m_claimed.insert(plainName(place).video);
+        else
+            plan.path = m_line.keepSource ? m_output + u'/' + QFileInfo(video).fileName() : video;
     }
 
     void report(const DownloadResult &result)
@@ -124,18 +144,24 @@ private:
         }
         const Plan plan = planFor(result);
         m_session.note(textOf(plan, result));
-        m_session.deliver(m_line.json ? jsonline::of(asJson(plan, result))
-                                      : QFile::encodeName(plan.path) + '\n');
+        if (m_line.json)
+            m_session.deliver(jsonline::of(asJson(plan, result)));
+        else if (!plan.isSkipped)
+            m_session.deliver(QFile::encodeName(plan.path) + '\n');
     }
 
     static QString textOf(const Plan &plan, const DownloadResult &result)
     {
         if (plan.isThere)
             return QLatin1String("already there: ") + resulttext::nameOf(result);
+        if (plan.isSkipped)
+            return QStringLiteral("would skip: %1: \"%2\" is there")
+                .arg(resulttext::nameOf(result), plan.path);
         const QString size =
             plan.bytes > 0 ? QLatin1String(", ") + terminaltext::size(plan.bytes) : QString();
-        return QStringLiteral("would download: %1: format %2, %3 %4x%5%6")
-            .arg(resulttext::nameOf(result))
+        return QStringLiteral("would %1: %2: format %3, %4 %5x%6%7")
+            .arg(plan.overwrites ? QStringLiteral("overwrite") : QStringLiteral("download"),
+                 resulttext::nameOf(result))
             .arg(plan.format.number)
             .arg(plan.format.extension)
             .arg(plan.format.width)
@@ -149,6 +175,8 @@ private:
         object.insert(QStringLiteral("dryRun"), true);
         object.insert(QStringLiteral("path"), plan.path);
         object.insert(QStringLiteral("alreadyThere"), plan.isThere);
+        object.insert(QStringLiteral("skipped"), plan.isSkipped);
+        object.insert(QStringLiteral("overwrites"), plan.overwrites);
         object.insert(QStringLiteral("bytes"),
                       plan.bytes > 0 ? QJsonValue(plan.bytes) : QJsonValue());
         object.insert(QStringLiteral("format"),

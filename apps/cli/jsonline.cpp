@@ -13,6 +13,8 @@ QString statusOf(DownloadOutcome outcome)
         return QStringLiteral("finished");
     case DownloadOutcome::Failed:
         return QStringLiteral("failed");
+    case DownloadOutcome::Skipped:
+        return QStringLiteral("skipped");
     case DownloadOutcome::Stopped:
         break;
     }

@@ -10,8 +10,8 @@
 namespace jsonline {
 
 /**
- * What all results have: "schema", "address", "key", "title", "status" ("finished", "failed" or
- * "stopped") and, of a failure, "error" with "cause" and "advice".
+ * What all results have: "schema", "address", "key", "title", "status" ("finished", "failed",
+ * "stopped" or "skipped") and, of a failure, "error" with "cause" and "advice".
  */
 QJsonObject headOf(const DownloadResult &result);
 

@@ -34,11 +34,15 @@ QString nameOf(Finding finding)
 QJsonObject asJson(Session &session, const DownloadResult &result)
 {
     QJsonObject object = jsonline::headOf(result);
+    if (!result.path.isEmpty())
+        object.insert(QStringLiteral("path"), result.path);
     if (result.outcome != DownloadOutcome::Finished)
         return object;
-    object.insert(QStringLiteral("path"), result.path);
     object.insert(QStringLiteral("bytes"), QFileInfo(result.path).size());
     object.insert(QStringLiteral("alreadyThere"), result.finding == Finding::AlreadyThere);
+    object.insert(QStringLiteral("overwrote"), result.overwrote);
+    if (!result.notOverwritten.isEmpty())
+        object.insert(QStringLiteral("notOverwritten"), result.notOverwritten);
     if (result.former.width > 0)
         object.insert(QStringLiteral("upgrade"),
                       QJsonObject{{QStringLiteral("found"), nameOf(result.finding)},

@@ -89,7 +89,8 @@ ExitStatus Session::run(const QList<DownloadRequest> &requests)
 {
     if (requests.isEmpty())
         return m_status;
-    for (const DownloadRequest &request : requests) {
+    for (DownloadRequest request : requests) {
+        request.onConflict = m_line.onConflict;
         if (m_line.convert)
             m_session.addAndConvert(request, m_line.profile);
         else

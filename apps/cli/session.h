@@ -56,7 +56,7 @@ private:
     void follow();
     void followSteps();
     void begin(const QString &key, const QString &address);
-    void describe(const QString &key);
+    void describe(const QString &key, const QString &title);
     void choose(const QString &key);
     void log(const QString &line);
     bool canConvert();
@@ -78,6 +78,7 @@ private:
     int m_finished = 0;
     int m_failed = 0;
     int m_stopped = 0;
+    int m_skipped = 0;
     bool m_outputBroken = false;
 };
 

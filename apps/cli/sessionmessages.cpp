@@ -52,7 +52,7 @@ QString Session::labelOf(const QString &key)
     return record == nullptr ? key : commandhistory::titleOf(*record);
 }
 
-void Session::describe(const QString &key)
+void Session::describe(const QString &key, const QString &title)
 {
     auto source = AnswerSource::Unknown;
     QString name;
@@ -62,7 +62,7 @@ void Session::describe(const QString &key)
         if (record == nullptr) // of an inspection
             return;
         source = answerSourceOf(*record);
-        name = QStringLiteral("%1 (%2)").arg(record->Title, record->OrgWebSite);
+        name = QStringLiteral("%1 (%2)").arg(title, record->OrgWebSite);
     }
     if (source != AnswerSource::Unknown) // else its failure says why
         tell(answeredBy(source, name));
@@ -130,6 +130,7 @@ void Session::count(const DownloadResult &result)
     m_finished += int(result.outcome == DownloadOutcome::Finished);
     m_failed += int(result.outcome == DownloadOutcome::Failed);
     m_stopped += int(result.outcome == DownloadOutcome::Stopped);
+    m_skipped += int(result.outcome == DownloadOutcome::Skipped);
     const QString summary = resulttext::summaryOf(result);
     if (isInspection() && result.outcome == DownloadOutcome::Finished)
         tell(answeredBy(answerSourceOf(result.offer.fmtList()), resulttext::nameOf(result)));
@@ -146,5 +147,7 @@ void Session::announceSummary()
     QString summary = QStringLiteral("%1 finished, %2 failed").arg(m_finished).arg(m_failed);
     if (m_stopped > 0)
         summary += QStringLiteral(", %1 stopped").arg(m_stopped);
+    if (m_skipped > 0)
+        summary += QStringLiteral(", %1 skipped").arg(m_skipped);
     note(summary);
 }

@@ -1159,6 +1159,26 @@ Die Fassung davor, falls es eine gab, liegt daneben, mit angehängtem „.previo
         <source>Look at the page in a browser.</source>
         <translation>Sehen Sie sich die Seite in einem Browser an.</translation>
     </message>
+    <message>
+        <source>the history cannot be written</source>
+        <translation>der Verlauf kann nicht geschrieben werden</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; cannot be replaced</source>
+        <translation>„%1“ kann nicht ersetzt werden</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is not a file</source>
+        <translation>„%1“ ist keine Datei</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is the file of another task</source>
+        <translation>„%1“ ist die Datei einer anderen Aufgabe</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is still being downloaded</source>
+        <translation>„%1“ wird noch heruntergeladen</translation>
+    </message>
 </context>
 <context>
     <name>WishWidget</name>

@@ -1,0 +1,59 @@
+#include "driver/overwriting.h"
+
+#include "driver/disk.h"
+#include "driver/texts.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace overwriting {
+
+namespace {
+
+// Folders have many names, by links.
+bool isSameFile(const QString &one, const QString &other)
+{
+    const auto nameOf = [](const QString &path) { return path.mid(path.lastIndexOf(u'/') + 1); };
+    return one == other ||
+           (nameOf(one) == nameOf(other) && disk::isTaken(one) &&
+            QFileInfo(one).canonicalFilePath() == QFileInfo(other).canonicalFilePath());
+}
+
+// A task that failed or was stopped gives its name up, if somebody else has it by then.
+bool isFileOf(const CXMLInfo &record, const QString &path)
+{
+    if (!taskrecord::isInterrupted(record) && taskrecord::stateOf(record) != TaskState::Finished)
+        return false;
+    const bool hasCopy = record.IsOrgVideo == 1 || !record.ConvertionDesc.isEmpty();
+    return isSameFile(record.FileName, path) ||
+           (hasCopy && isSameFile(record.SaveAsFileName, path));
+}
+
+bool isFileOfAnother(CDown &controller, const QString &key, const QString &path)
+{
+    const ControllerLock lock;
+    const auto &all = controller.m_pHistory->m_InfoList;
+    return std::any_of(all.cbegin(), all.cend(), [&](const CXMLInfo *record) {
+        return record->MD5Code != key && isFileOf(*record, path);
+    });
+}
+
+} // namespace
+
+std::optional<QString> obstacle(CDown &controller, const QString &key, const QString &path,
+                                const UnfinishedFiles &unfinished)
+{
+    if (!disk::isTaken(path))
+        return std::nullopt;
+    if (QFileInfo(path).isSymLink() || !QFileInfo(path).isFile())
+        return Texts::tr("\"%1\" is not a file").arg(path);
+    if (isFileOfAnother(controller, key, path))
+        return Texts::tr("\"%1\" is the file of another task").arg(path);
+    const QStringList parts = unfinished ? unfinished(path) : QStringList();
+    if (std::any_of(parts.begin(), parts.end(), disk::isTaken))
+        return Texts::tr("\"%1\" is still being downloaded").arg(path);
+    return std::nullopt;
+}
+
+} // namespace overwriting

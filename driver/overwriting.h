@@ -1,0 +1,25 @@
+/** Which files a video may take the place of. */
+#ifndef VIDEODOWN_DRIVER_OVERWRITING_H
+#define VIDEODOWN_DRIVER_OVERWRITING_H
+
+#include "down/cdown.h"
+#include "driver/taskrecord.h"
+
+#include <QString>
+
+#include <optional>
+
+namespace overwriting {
+
+/**
+ * Why the video of a task may not take the place of what is at `path`, for people; nothing when it
+ * may, and when nothing is there. Takes the controller lock.
+ * @param key of the task
+ * @param unfinished which files the engine leaves of an unfinished download; may be empty
+ */
+std::optional<QString> obstacle(CDown &controller, const QString &key, const QString &path,
+                                const UnfinishedFiles &unfinished);
+
+} // namespace overwriting
+
+#endif
