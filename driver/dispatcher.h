@@ -122,6 +122,7 @@ private:
     bool refresh(Task &task, double code);
     void dropThumbnail(const QString &key);
     void stopAtWork(Task &task);
+    FailureReason parseReason(const Task &task, double code) const;
     FailureReason reasonFor(const Task &task, double code) const;
     void endPresent(Task &task);
     void endFailed(Task &task, const FailureReason &reason);

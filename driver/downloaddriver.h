@@ -46,6 +46,10 @@ public:
         std::function<QString(double)> failureAdvice;
         /** What the user can do about a page that offers nothing; empty: look at the page. */
         QString offerAdvice;
+        /** Whether a failure means that the site has no video info of a page; may be empty. */
+        std::function<bool(double)> hasNoVideoInfo;
+        /** The program that such a page could be asked about if it were there; may be empty. */
+        std::function<QString()> missingExtractor;
         /**
          * Whether a video's failure may come from a stream address that is no longer good; may be
          * empty: none does. Such a task asks the site for new addresses, once, and continues with

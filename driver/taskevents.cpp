@@ -1,6 +1,7 @@
 // What the engine's events make of the tasks, and how tasks end.
 #include "driver/dispatcher.h"
 
+#include "driver/extractor.h"
 #include "driver/outputname.h"
 #include "driver/taskrecord.h"
 #include "driver/texts.h"
@@ -55,7 +56,7 @@ void Dispatcher::handleParse(Task &task, const EngineEvent &event)
     if (event.code == DOWN_STATE_USER_STOP || task.stopping)
         endStopped(task);
     else if (event.code == DOWN_STATE_PARSE_FAIL)
-        endFailed(task, reasonFor(task, event.value));
+        endFailed(task, parseReason(task, event.value));
     else
         parsed(task);
 }
@@ -202,6 +203,15 @@ void Dispatcher::stopAtWork(Task &task)
     task.stopping = true;
     m_port.stop(task.key);
     dropThumbnail(task.key);
+}
+
+FailureReason Dispatcher::parseReason(const Task &task, double code) const
+{
+    const bool hasNone = m_settings.hasNoVideoInfo && m_settings.hasNoVideoInfo(code);
+    const QString missing =
+        hasNone && m_settings.missingExtractor ? m_settings.missingExtractor() : QString();
+    FailureReason reason = reasonFor(task, code);
+    return missing.isEmpty() ? reason : extractor::withoutProgram(reason.cause, missing);
 }
 
 FailureReason Dispatcher::reasonFor(const Task &task, double code) const

@@ -100,6 +100,16 @@ std::string statusText(double value)
 
 } // namespace
 
+bool meansNoVideoInfo(double value)
+{
+    constexpr std::array none{Failure::BadAddress, Failure::EmptyResponse,
+                              Failure::MalformedResponse, Failure::ResponseTooLarge,
+                              Failure::TooManyRedirects};
+    return (value >= 400 && value < 500 && value != 407) ||
+           std::any_of(none.begin(), none.end(),
+                       [value](Failure failure) { return value == valueOf(failure); });
+}
+
 std::string failureText(double value)
 {
     if (value >= 100 && value < 600)

@@ -41,6 +41,12 @@ enum class Failure {
 };
 
 /**
+ * @param value the value of a parse's failure event
+ * @return whether the site answered, or could not even be asked, but has no video-info response
+ */
+bool meansNoVideoInfo(double value);
+
+/**
  * @param value the value of a failure event
  * @return its cause in English, to stand behind a colon: "the site answered 404 Not Found"
  */

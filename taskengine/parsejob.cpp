@@ -29,14 +29,9 @@ bool ParseJob::isWorthRetrying(const Fault &fault) const
     return !fault.is(Failure::ConnectionFailed) && !fault.is(Failure::ProxyFailed);
 }
 
-/** The site answered, or could not even be asked, but it has no video-info response. */
 std::unique_ptr<Job> ParseJob::alternative(const Fault &fault)
 {
-    const bool isRefusal = fault.value >= 400 && fault.value < 500 && fault.value != 407;
-    const bool isNone = isRefusal || fault.is(Failure::BadAddress) ||
-                        fault.is(Failure::EmptyResponse) || fault.is(Failure::MalformedResponse) ||
-                        fault.is(Failure::ResponseTooLarge) || fault.is(Failure::TooManyRedirects);
-    if (!isNone || options().fallbackCommand.empty())
+    if (!meansNoVideoInfo(fault.value) || options().fallbackCommand.empty())
         return nullptr;
     return std::make_unique<CommandJob>(requestPointer(), context(), options().fallbackCommand,
                                         true);

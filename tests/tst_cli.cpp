@@ -395,6 +395,30 @@ private slots:
         }
     }
 
+    /** Where the site has no answer and the other program is missing, both are named. */
+    void missingExtractor_data()
+    {
+        QTest::addColumn<QString>("source");
+        QTest::addColumn<QString>("told");
+        QTest::newRow("auto") << u"auto"_s
+                              << u"the site has no video info (the site answered 404 Not Found), "
+                                 "and yt-dlp, which might know the page, is not installed. Check "
+                                 "the address, or install the package yt-dlp.\n"_s;
+        QTest::newRow("site") << u"site"_s << u": the site answered 404 Not Found. Check"_s;
+    }
+
+    void missingExtractor()
+    {
+        QFETCH(const QString, source);
+        const QByteArray folders = qgetenv("PATH");
+        qputenv("PATH", QFile::encodeName(m_root->path()));
+        const Ended ended = run({u"get"_s, u"--video-info"_s, source, page("none-1")});
+        qputenv("PATH", folders);
+        QCOMPARE(ended.code, 1);
+        QFETCH(const QString, told);
+        QVERIFY2(ended.error.contains(told), qPrintable(ended.error));
+    }
+
     void todaysPages_data()
     {
         QTest::addColumn<QString>("page");

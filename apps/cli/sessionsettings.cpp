@@ -67,6 +67,9 @@ DownloadDriver::Settings forDriver(const CommandLine &line, const QString &downl
     settings.failureAdvice = [](double code) {
         return QString::fromStdString(taskengine::failureAdvice(code));
     };
+    settings.hasNoVideoInfo = taskengine::meansNoVideoInfo;
+    if (asksSite(line) && line.useExtractor)
+        settings.missingExtractor = extractor::missingProgram;
     settings.hasExpired = [](double code) { return code == 403 || code == 410; };
     return settings;
 }

@@ -58,6 +58,7 @@ DownloadDriver::Settings driverSettings(const Settings &settings)
     driver.failureAdvice = [](double code) {
         return enginetexts::translated(taskengine::failureAdvice(code));
     };
+    driver.hasNoVideoInfo = taskengine::meansNoVideoInfo;
     driver.hasExpired = [](double code) { return code == 403 || code == 410; };
     return driver;
 }

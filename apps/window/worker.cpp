@@ -1,5 +1,6 @@
 #include "worker.h"
 
+#include "driver/extractor.h"
 #include "driver/taskrequests.h"
 #include "enginesettings.h"
 
@@ -21,7 +22,11 @@ void Worker::open()
 {
     configureEngine(m_settings);
     QDir().mkpath(m_settings.outputFolder);
-    m_session = std::make_unique<DownloadSession>(driverSettings(m_settings));
+    DownloadDriver::Settings settings = driverSettings(m_settings);
+    settings.missingExtractor = [this] {
+        return m_settings.asksExtractor() ? extractor::missingProgram() : QString();
+    };
+    m_session = std::make_unique<DownloadSession>(settings);
     follow();
     OpenedHistory history;
     history.problem = m_session->open(m_historyPath);

@@ -1179,6 +1179,14 @@ Die Fassung davor, falls es eine gab, liegt daneben, mit angehängtem „.previo
         <source>&quot;%1&quot; is still being downloaded</source>
         <translation>„%1“ wird noch heruntergeladen</translation>
     </message>
+    <message>
+        <source>the site has no video info (%1), and %2, which might know the page, is not installed</source>
+        <translation>die Seite hat keine Videoangaben (%1), und %2, das sie vielleicht kennt, ist nicht installiert</translation>
+    </message>
+    <message>
+        <source>Check the address, or install the package %1.</source>
+        <translation>Prüfen Sie die Adresse, oder installieren Sie das Paket %1.</translation>
+    </message>
 </context>
 <context>
     <name>WishWidget</name>
