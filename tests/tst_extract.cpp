@@ -144,6 +144,35 @@ private slots:
                      "thumbnail", true))
                 .toJson(),
             "title=video\n" + lists);
+        QJsonObject nulls = mp4;
+        for (const char *name : {"title", "uploader", "duration", "thumbnail", "formats", "_type",
+                                 "is_live", "http_headers", "cookies", "entries", "vcodec"})
+            nulls = with(nulls, name, QJsonValue::Null);
+        row("nulls", QJsonDocument(nulls).toJson(), "title=video\n" + lists);
+        QJsonObject numbers = mp4;
+        for (const char *name :
+             {"formats", "_type", "is_live", "http_headers", "cookies", "entries"})
+            numbers = with(numbers, name, 7);
+        row("numbers in the place of all else", QJsonDocument(numbers).toJson(),
+            "title=video\n" + lists);
+        row("objects in the place of lists",
+            R"({"_type":"playlist","entries":{"0":{}},"formats":{"0":{}}})",
+            refused + "there is no video on the page\n");
+        for (const char *json : {"[]", "7", "null", "\"text\"", "{\"title\":\"\xff\"}x"})
+            row(json, json, refused + "what yt-dlp said cannot be read\n");
+        row("depth without end", QByteArray(100000, '['),
+            refused + "what yt-dlp said cannot be read\n");
+        row("numbers out of range",
+            withFormats({with(with(mp4, "width", -1), "height", 9e15),
+                         with(with(mp4, "width", 18), "height", 9)},
+                        {{u"duration"_s, -5}}),
+            "title=T\nfmt_list=22/18x9,18/9x4\nfmt_stream_map=22|https://v.example/"
+            "a?b=1%2C2%7C3&c=%2C"
+            "%20%C3%A4,18|https://v.example/a?b=1%2C2%7C3&c=%2C%20%C3%A4\n");
+        row("every script",
+            withFormats({mp4},
+                        {{u"uploader"_s, u"ظلام مرحبا\u200F ไทย 한국어 é̂ \U0001F1E9\U0001F1EA"_s}}),
+            "title=T\nauthor=ظلام مرحبا\u200F ไทย 한국어 é̂ \U0001F1E9\U0001F1EA\n" + lists);
         row("playlist",
             R"({"_type":"playlist","entries":[null,{"_type":"playlist","entries":[)" +
                 withFormats({mp4}) + "]}]}",
@@ -192,6 +221,9 @@ private slots:
         QVERIFY(ended.error.contains("1 of the formats left out: addresses of more than 1023"));
         const Ended endless = run({at}, R"(exec yes '{"title":')");
         QCOMPARE(endless.output, refused + "yt-dlp said more than 64 MB about this page\n");
+        const Ended large =
+            run({at}, "printf '[\"'; head -c 100000000 /dev/zero | tr '\\0' x; printf '\"]'");
+        QCOMPARE(large.output, endless.output);
         const Ended late = run({at, u"--time-limit"_s, u"1"_s}, "exec sleep 600");
         QCOMPARE(late.output, refused + "yt-dlp took longer than 1 s for this page\n");
     }
