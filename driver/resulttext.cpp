@@ -22,9 +22,10 @@ QString failureOf(const DownloadResult &result)
 QString conflictOf(const DownloadResult &result)
 {
     const QString name = nameOf(result);
-    return result.overwrote ? QStringLiteral("overwritten: %1: \"%2\"").arg(name, result.path)
-                            : QStringLiteral("not overwritten: %1: %2; the video is \"%3\"")
-                                  .arg(name, result.notOverwritten, result.path);
+    return result.overwrote
+               ? QStringLiteral("downloaded: %1, overwriting \"%2\"").arg(name, result.path)
+               : QStringLiteral("downloaded: %1, as \"%2\": %3")
+                     .arg(name, result.path, result.notOverwritten);
 }
 
 QString findingOf(const DownloadResult &result)

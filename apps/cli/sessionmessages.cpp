@@ -36,6 +36,7 @@ void Session::followSteps()
     });
     connect(&driver(), &DownloadDriver::described, this, &Session::describe);
     connect(&driver(), &DownloadDriver::retrying, this, [this](const QString &key, int attempt) {
+        choose(key);
         const QString line =
             QStringLiteral("trying again: %1, try %2").arg(labelOf(key)).arg(attempt);
         if (m_line.progress == ProgressMode::Never)
