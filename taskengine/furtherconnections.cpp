@@ -8,8 +8,6 @@ namespace taskengine {
 
 namespace {
 
-constexpr int mostConnections = 16;
-
 /** Seconds that half of a piece must take to be fetched beside the other: requests take time too.
  */
 constexpr double leastTime = 0.5;
@@ -17,7 +15,7 @@ constexpr double leastTime = 0.5;
 int connectionsFor(const Request &request)
 {
     const int wanted = request.options->connections;
-    return std::clamp(wanted > 0 ? wanted : request.record.nEngineParam1, 1, mostConnections);
+    return std::clamp(wanted > 0 ? wanted : request.record.nEngineParam1, 1, HostConnections::most);
 }
 
 } // namespace

@@ -8,8 +8,10 @@
  *    `Options::tries` comes first.
  *  - `nEngineParam3`: milliseconds before the second try; doubles with each further one, at most
  *    30 s. A site's Retry-After takes its place when it is longer, with the same limit.
- *  - `nEngineParam1`, `nReserved1`, `nReserved2`, `nTaskType`: not read. What kind of request it is
- *    is decided by the function that takes it.
+ *  - `nEngineParam1`: most connections that a video may have, 1 to 8 (smaller counts as 1, greater
+ *    as 8); `Options::connections` comes first.
+ *  - `nReserved1`, `nReserved2`, `nTaskType`: not read. What kind of request it is is decided by
+ * the function that takes it.
  *  - `nProxySet`: 1 sends the request through the proxy of `proxyParam`; anything else sends it
  *    directly, unless `Options::proxyFromEnvironment` is set.
  *  - `proxyParam.szProxyText1`: host name or address, without scheme and port.
@@ -35,7 +37,9 @@
  * Both are gone after success, and for images always. Those of a video stay after a user stop,
  * `Quit` and every failure but 404, when the site gave its size and a strong validator; a later
  * request with the same key and target then continues where they end, if the site confirms that it
- * still has the same file. Names that would become too long are shortened.
+ * still has the same file. A part file that several connections fill has the space of the whole
+ * file, and the ".part-info" says twice a second which pieces are there: what is killed has lost no
+ * more than that. Names that would become too long are shortened.
  *
  * Refused (-1) are requests while the engine does not run, with an empty or unterminated text where
  * one is needed, without callback, and with a key that another request still has. A key is free
@@ -103,7 +107,10 @@ struct Options
     /** How long a command may run, pauses not counted. */
     std::chrono::milliseconds commandTimeLimit{60000};
     /**
-     * Most connections that a video may have, up to 16; 0: as many as `nEngineParam1` says. With 1
+     * Most connections that a video may have, 1 to 8; 0: as many as `nEngineParam1` says. Further
+     * ones are opened one by one, while each makes the whole faster and `rateLimit` holds nothing
+     * back, for videos of which the site gives ranges, the size and a strong validator. One host
+     * gets at most 8 from all requests together, beyond which each has its first one only. With 1
      * the engine asks for nothing but what the first connection brings.
      */
     int connections = 0;

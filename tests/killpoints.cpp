@@ -191,6 +191,10 @@ WRAP(int, renameat2,
 WRAP(int, link, (const char *from, const char *to) noexcept, (from, to), true)
 WRAP(int, fsync, (int file), (whenSynced(file)), true)
 WRAP(int, fdatasync, (int file), (whenSynced(file)), true)
+WRAP(int, fallocate, (int file, int mode, off_t offset, off_t size), (file, mode, offset, size),
+     true)
+WRAP(int, fallocate64, (int file, int mode, off64_t offset, off64_t size),
+     (file, mode, offset, size), true)
 WRAP(int, ftruncate, (int file, off_t size) noexcept, (file, size), true)
 WRAP(int, ftruncate64, (int file, off64_t size) noexcept, (file, size), true)
 WRAP(ssize_t, writev, (int file, const iovec *parts, int count), (file, parts, count),

@@ -336,6 +336,41 @@ private slots:
             QVERIFY(event.code != DOWN_STATE_DOWNLOAD_PROGRESS || event.value >= double(kept));
     }
 
+    /** A copy of both files is what a kill at this moment would leave. */
+    void killed()
+    {
+        misbehave([](Misbehaviour &fault) { fault.bytesPerSecond = 300000; });
+        QCOMPARE(DownloadVideo(video("video", 1)), 0);
+        waitForPieces();
+        const std::string bytes = smallVideoBytes(1, 34, size);
+        const auto reports = [this] { return m_log->count("video", DOWN_STATE_DOWNLOAD_PROGRESS); };
+        for (int copy = 0; copy < 3; ++copy) {
+            const qsizetype seen = reports();
+            QTRY_VERIFY_WITH_TIMEOUT(reports() > seen, 60000);
+            QList<double> progress;
+            for (const LoggedEvent &event : m_log->events("video"))
+                progress += event.code == DOWN_STATE_DOWNLOAD_PROGRESS ? event.value : 0;
+            progress.removeAll(0);
+            QVERIFY(QFile::copy(native(path("/.video.flv.part-info")),
+                                native(path("/.copy.part-info"))));
+            QVERIFY(QFile::copy(native(path("/video.flv.part")), native(path("/copy.part"))));
+            taskengine::PartFile part;
+            QVERIFY(!part.open(path("/copy"), "video"));
+            QVERIFY(part.hasPieces());
+            // Reports are a quarter of a second apart, at least.
+            QVERIFY(double(part.size()) >= progress.value(progress.size() - 4));
+            const std::string copied = contentsOf(path("/copy.part"));
+            std::size_t end = 0;
+            for (const auto &gap : part.pieces().missing({0, size})) {
+                const auto first = std::size_t(gap.first);
+                QVERIFY(copied.compare(end, first - end, bytes, end, first - end) == 0);
+                end = std::size_t(gap.end);
+            }
+            part.discard();
+        }
+        compareWhole();
+    }
+
     void halted_data()
     {
         const auto row = table<bool>("isPaused");

@@ -88,10 +88,34 @@ constexpr const char *faults[] = {
     "prefix=/get_video_info?video_id=small-%1,status=200",
 };
 
+/** What further connections may meet. */
+constexpr const char *pieceFaults[] = {
+    "first=2,status=403",
+    "first=1,earlier=100",
+    "first=1,total-more=5",
+    "first=1,shorter=100",
+    "first=1,longer=100",
+    "first=2,status=429",
+    "first=1,cut=2000",
+    "first=1,ignore-range",
+    "first=2,length=4000",
+    "at-once=1",
+    "first=1,etag=other,ignore-if-range",
+};
+
 Misbehaviour fault(unsigned number, quint32 kind)
 {
     const QString text = u"first=1,"_s + QString::fromLatin1(faults[kind]).arg(number);
     return *readMisbehaviour(text.toStdString());
+}
+
+/** The stream comes so slowly that several connections are worth while; the second has a fault. */
+void addPieceFault(VideoSite &site, unsigned number, quint32 kind)
+{
+    for (const char *text : {"first=1", pieceFaults[kind], "first=0"}) {
+        const QString slow = u"prefix=/stream/small-%1/,rate=20000,"_s.arg(number);
+        site.addMisbehaviour(*readMisbehaviour((slow + QLatin1String(text)).toStdString()));
+    }
 }
 
 struct Counts
@@ -145,7 +169,10 @@ private:
     {
         const unsigned number = m_next++;
         if (m_random.bounded(10) < 3) { // of three answers a task: one in ten
-            m_site.addMisbehaviour(fault(number, m_random.bounded(quint32(std::size(faults)))));
+            if (m_random.bounded(8) == 0)
+                addPieceFault(m_site, number, m_random.bounded(quint32(std::size(pieceFaults))));
+            else
+                m_site.addMisbehaviour(fault(number, m_random.bounded(quint32(std::size(faults)))));
             m_disturbed.insert(number);
             ++m_counts.faulty;
         }
@@ -279,6 +306,9 @@ private slots:
         qint64 heapBefore = 0;
         qint64 heap = 0;
         Counts counts;
+        taskengine::Options options = taskengine::options();
+        options.leastPiece = 4000;
+        taskengine::setOptions(options);
         constexpr int limits[] = {5, 2, 8, 3};
         for (unsigned lap = 0; lap < 4; ++lap) {
             const QStringList broken =

@@ -21,7 +21,8 @@ struct CommandLine
 {
     Command command = Command::Get;
     int jobs = 3;
-    int retries = -1; ///< -1: as usual
+    int retries = -1;    ///< -1: as usual
+    int connections = 0; ///< most for each video; 0: as usual
     ProgressMode progress = ProgressMode::Auto;
     OnConflict onConflict = OnConflict::Rename;
     QStringList arguments;        ///< page addresses, or what names tasks

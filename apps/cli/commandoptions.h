@@ -45,7 +45,7 @@ protected:
                 {ReportOptions, {m_json, m_quiet, m_verbose, m_log}},
                 {JsonOption, {m_json}},
                 {FolderOptions, {m_output, m_downloads, m_again, m_dryRun}},
-                {TransferOptions, {m_jobs, m_limitRate, m_noThumbnails, m_progress}},
+                {TransferOptions, {m_jobs, m_connections, m_limitRate, m_noThumbnails, m_progress}},
                 {DeleteOption, {m_deleteFiles}},
                 {ConvertOption, {m_convert}},
                 {ConflictOption, {m_onConflict}},
@@ -154,6 +154,11 @@ protected:
     const QCommandLineOption m_jobs =
         option({text("j"), text("jobs")},
                "How many videos to download at once, 1 to 100. Default: 3.", "number");
+    const QCommandLineOption m_connections = option(
+        {text("connections")},
+        "Most connections for each video, 1 to 8. More than one are used while each makes the "
+        "download faster; a host gets at most 8 in all. Default: 3.",
+        "number");
     const QCommandLineOption m_limitRate = option(
         {text("limit-rate")},
         "Most bytes per second of all transfers together, as in 500K or 2M; at least 1K.", "rate");

@@ -156,6 +156,8 @@ void CommandParser::readTransfer()
 {
     if (m_parser.isSet(m_jobs))
         take(m_jobs, arguments::count(m_parser.value(m_jobs), maxVideoLimit), m_line.jobs);
+    if (m_parser.isSet(m_connections))
+        take(m_connections, arguments::count(m_parser.value(m_connections), 8), m_line.connections);
     if (m_parser.isSet(m_limitRate))
         take(m_limitRate, arguments::rate(m_parser.value(m_limitRate)), m_line.limitRate);
     const QStringList modes{text("auto"), text("always"), text("never")};

@@ -37,6 +37,7 @@ void configureEngine(const CommandLine &line)
     for (const QString &word : line.videoInfoCommand)
         options.videoInfoCommand.push_back(word.toLocal8Bit().toStdString());
     options.rateLimit = std::size_t(line.limitRate);
+    options.connections = line.connections;
     options.tries = line.retries + 1; // 0: not set
     options.proxyFromEnvironment = line.proxyFromEnvironment;
     if (!line.userAgent.isEmpty())
