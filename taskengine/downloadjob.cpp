@@ -92,7 +92,7 @@ void DownloadJob::beginTry()
     fetchGap();
 }
 
-/** The last gap is asked for without its end, as sites know it from those who continue a file. */
+/** The rest of a file is asked for without its end, as sites know it from those who continue it. */
 void DownloadJob::fetchGap()
 {
     m_complete = false;
@@ -104,8 +104,8 @@ void DownloadJob::fetchGap()
     const std::vector<Piece> gaps = m_part->pieces().missing({m_asked, facts.total});
     m_rest = {m_asked, gaps.empty() ? endless : gaps.front().end};
     m_seat.emplace(context().hosts, hostOf(request().record.szDownloadURL));
-    fetch({request().record.szDownloadURL, m_asked, gaps.size() > 1 ? m_rest.end : -1,
-           facts.validator});
+    const bool isRest = m_rest.end >= facts.total;
+    fetch({request().record.szDownloadURL, m_asked, isRest ? -1 : m_rest.end, facts.validator});
 }
 
 /** Ready to go on at its end, or empty. */

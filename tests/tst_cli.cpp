@@ -70,6 +70,7 @@ private slots:
         QTest::newRow("odd action") << u"get --on-conflict no PAGE"_s << 2 << u"\"no\" is none"_s;
         QTest::newRow("odd proxy") << u"get --proxy host PAGE"_s << 2 << u"host:port"_s;
         QTest::newRow("proxy kind") << u"get --proxy ftp://h:1 PAGE"_s << 2 << u"host:port"_s;
+        QTest::newRow("connections") << u"get --connections 9 PAGE"_s << 2 << u"from 1 to 8"_s;
         QTest::newRow("no rate") << u"get --limit-rate 5 PAGE"_s << 2 << u"\"5\" is not a rate"_s;
         QTest::newRow("odd rate") << u"get --limit-rate 2Mb PAGE"_s << 2 << u"\"2Mb\""_s;
         QTest::newRow("odd retries") << u"get --retries -1 PAGE"_s << 2 << u"from 0 to 99"_s;

@@ -112,8 +112,9 @@ private slots:
 
     void shared_data()
     {
-        // What happens to requests but the first, one after the other.
-        const auto row = table<QList<Change>>("faults");
+        // What happens to requests but the first, one after the other; and how many requests there
+        // are when none is tried again (0: several).
+        const auto row = table<QList<Change>, std::size_t>("faults", "requests");
         const auto status = [](int number) -> Change {
             return [number](Misbehaviour &fault) {
                 fault.answer = SiteAnswer{number, "text/html", {}, "x"};
@@ -125,34 +126,35 @@ private slots:
             fault.entityTag = "\"b\"", fault.ignoreCondition = true;
         };
         const Change shorter = [](Misbehaviour &fault) { fault.shorterBy = 10; };
-        const Change longer = [](Misbehaviour &fault) { fault.longerBy = 10; };
         const Change cut = [](Misbehaviour &fault) { fault.cutAfter = 100000; };
-        row("none", {});
-        row("403", {status(403)});
-        row("429", {status(429), status(429)});
-        row("503", {status(503)});
-        row("other start", {start});
-        row("other total", {total});
-        row("other validator", {validator});
-        row("other file", {[](Misbehaviour &fault) { fault.entityTag = "\"b\""; }});
-        row("whole file", {[](Misbehaviour &fault) { fault.ignoreRange = true; }});
-        row("page", {status(200)});
-        row("shorter", {shorter});
-        row("longer", {longer, longer});
-        row("wrong length", {[](Misbehaviour &fault) { fault.announcedLength = size; }});
-        row("cut", {cut});
-        row("all at once", {cut, start, longer, total, shorter, validator, cut, status(503)});
+        row("none", {}, 0);
+        row("403", {status(403)}, 2);
+        row("429", {status(429), status(429)}, 2);
+        row("503", {status(503)}, 2);
+        row("other start", {start}, 2);
+        row("other total", {total}, 2);
+        row("other validator", {validator}, 2);
+        row("other file", {[](Misbehaviour &fault) { fault.entityTag = "\"b\""; }}, 2);
+        row("whole file", {[](Misbehaviour &fault) { fault.ignoreRange = true; }}, 2);
+        row("page", {status(200)}, 2);
+        row("shorter", {shorter}, 2);
+        row("wrong length", {[](Misbehaviour &fault) { fault.announcedLength = size; }}, 2);
+        row("cut", {cut}, 0);
+        row("all at once", {cut, start, total, shorter, validator, cut, status(503)}, 0);
     }
 
     /** Nothing that happens to further connections is a failure, or spoils what is there. */
     void shared()
     {
         QFETCH(const QList<Change>, faults);
+        QFETCH(const std::size_t, requests);
         misbehave(slow, 1);
         for (const Change &fault : faults) {
-            const auto both = [&fault](Misbehaviour &one) {
+            const auto both = [&](Misbehaviour &one) {
                 slow(one);
                 fault(one);
+                if (requests == 2) // what is not refused has to be made up for by a third one
+                    one.cutAfter = 50000;
             };
             misbehave(both, 1);
         }
@@ -162,6 +164,7 @@ private slots:
         QCOMPARE(DownloadVideo(video("video", isFirstSpared ? 1 : 20)), 0);
         compareWhole();
         QVERIFY(m_site->requestCount("/stream") > 1);
+        QVERIFY(requests == 0 || m_site->requestCount("/stream") == requests);
         if (!isFirstSpared)
             return;
         QCOMPARE(m_log->count("video", DOWN_STATE_NO_RESUME), 0);
@@ -172,6 +175,48 @@ private slots:
             QVERIFY(event.value >= last && event.value <= double(size));
             last = event.value;
         }
+    }
+
+    /** The next try shares what it asks for only once the answer has come. */
+    void firstIsCut()
+    {
+        misbehave([](Misbehaviour &fault) { fault.cutAfter = 150000, slow(fault); }, 1);
+        misbehave([](Misbehaviour &fault) { fault.latency = 300ms, slow(fault); });
+        QCOMPARE(DownloadVideo(video("video", 2)), 0);
+        compareWhole();
+        QCOMPARE(m_log->count("video", DOWN_STATE_RETRY_DOWNLOAD), 1);
+        QCOMPARE(rangeCount("bytes=150000-"), 1);
+        QVERIFY(rangeCount("bytes=") > 1);
+        QCOMPARE(m_site->requestCount("/stream"), std::size_t(rangeCount("bytes=") + 1));
+    }
+
+    /** A left part with three pieces; the answer for the second of its gaps goes beyond it. */
+    void pieceIsTooLong()
+    {
+        const std::string bytes = smallVideoBytes(1, 34, size);
+        {
+            taskengine::PartFile part;
+            QVERIFY(!part.open(path("/video.flv"), "video"));
+            part.remember(size, "\"b\"");
+            QVERIFY(!part.write(0, bytes.data(), 100000) && !part.allowPieces());
+            for (const std::size_t first : {900000U, 1900000U})
+                QVERIFY(!part.write(qint64(first), bytes.data() + first, 100000));
+            part.keep();
+        }
+        const auto same = [](Misbehaviour &fault) { fault.entityTag = "\"b\"", slow(fault); };
+        misbehave(same, 1);
+        const auto longer = [&](Misbehaviour &fault) {
+            same(fault);
+            fault.longerBy = 10;
+            fault.cutAfter = 50000;
+        };
+        misbehave(longer, 1);
+        misbehave(same);
+        QCOMPARE(DownloadVideo(video("video", 1)), 0);
+        compareWhole();
+        QCOMPARE(m_site->requestCount("/stream"), 3U);
+        QCOMPARE(rangeCount("bytes=100000-899999"), 1);
+        QCOMPARE(rangeCount("bytes=1000000-1899999"), 2); // again, as it was refused
     }
 
     void alone_data()
@@ -386,7 +431,7 @@ private slots:
         m_options.rateLimit = isPaused ? 0 : 100 * size;
         taskengine::setOptions(m_options);
         misbehave([](Misbehaviour &fault) { fault.prefix = "/thumbnail", fault.latency = 5s; });
-        misbehave(slow);
+        misbehave([](Misbehaviour &fault) { fault.bytesPerSecond = 300000; });
         QCOMPARE(DownloadVideo(video("video", 1)), 0);
         waitForPieces();
         m_options.rateLimit = isPaused ? 0 : 1;
@@ -396,7 +441,6 @@ private slots:
         for (double &value : progress) { // time passes
             const std::string key = "image" + std::to_string(&value - progress);
             tagTaskInfo record = m_log->image(key, thumbnail(), path("/" + key));
-            record.nEngineParam2 = 3;
             QCOMPARE(DownloadImage(record), 0);
             compareFailure(key, Failure::TimedOut);
             value = lastValue("video", DOWN_STATE_DOWNLOAD_PROGRESS);
@@ -438,6 +482,14 @@ private:
     static constexpr qint64 size = 2000000;
 
     static void slow(Misbehaviour &fault) { fault.bytesPerSecond = 1000000; }
+
+    qsizetype rangeCount(const std::string &beginning) const
+    {
+        const auto requests = m_site->requests();
+        return std::count_if(requests.begin(), requests.end(), [&](const SiteRequest &request) {
+            return request.range.rfind(beginning, 0) == 0;
+        });
+    }
 
     void waitForPieces() const
     {
