@@ -311,7 +311,7 @@ private slots:
         const QString log = QString::fromUtf8(contents(path("log")));
         for (const QString &told :
              {u"the command has answered: T (http://any.invalid/page)\n"_s,
-              u"chosen: format 18, mp4 640x360, for \"%1\", of which 24.4 KiB are there\n"_s.arg(
+              u"chosen: format 18, mp4 640x360, for \"%1\", of which a part is there\n"_s.arg(
                   path("T.mp4")),
               u"trying again: T, try 2\n"_s, u"finished: T (http://any.invalid/page)\n"_s,
               u"1 finished, 0 failed\n"_s}) {

@@ -8,7 +8,6 @@
 #include "runlog.h"
 #include "signalwatch.h"
 
-#include <QHash>
 #include <QSet>
 
 #include <memory>
@@ -72,8 +71,8 @@ private:
     std::unique_ptr<ProgressView> m_view;
     RunLog m_log;
     DownloadSession m_session;
-    QHash<QString, qint64> m_begunBytes; // of tasks that an earlier run has begun
-    QSet<QString> m_chosen;              // tasks whose choice has been told
+    QSet<QString> m_begun;  // tasks of whose video a part was there
+    QSet<QString> m_chosen; // tasks whose choice has been told
     ExitStatus m_status;
     int m_finished = 0;
     int m_failed = 0;

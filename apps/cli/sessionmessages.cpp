@@ -4,7 +4,6 @@
 #include "commandhistory.h"
 #include "driver/resulttext.h"
 #include "driver/videoanswer.h"
-#include "terminaltext.h"
 
 #include <QFileInfo>
 
@@ -28,7 +27,8 @@ void Session::followSteps()
                 return;
             address = record->OrgWebSite;
             const QString part = commandhistory::unfinishedFiles(record->FileName).constFirst();
-            m_begunBytes.insert(key, record->FileName.isEmpty() ? 0 : QFileInfo(part).size());
+            if (!record->FileName.isEmpty() && QFileInfo(part).size() > 0)
+                m_begun.insert(key);
         }
         m_chosen.remove(key);
         m_view->started(key, address);
@@ -92,9 +92,8 @@ void Session::choose(const QString &key)
                    .arg(format.height)
                    .arg(record->FileName);
     }
-    const qint64 bytes = m_begunBytes.value(key);
-    if (bytes > 0)
-        line += QStringLiteral(", of which %1 are there").arg(terminaltext::size(bytes));
+    if (m_begun.contains(key))
+        line += QStringLiteral(", of which a part is there");
     tell(line);
 }
 
