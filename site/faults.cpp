@@ -16,9 +16,10 @@ std::chrono::nanoseconds Crowd::waitFor(std::uint64_t bytes, std::uint64_t perSe
     const auto now = std::chrono::steady_clock::now();
     const auto seconds = static_cast<double>(bytes) / static_cast<double>(perSecond);
     const std::lock_guard lock(m_mutex);
-    m_idleFrom = std::max(m_idleFrom, now) +
+    // Who was woken late may catch up.
+    m_idleFrom = std::max(m_idleFrom, now - std::chrono::milliseconds(50)) +
                  std::chrono::nanoseconds(static_cast<std::int64_t>(seconds * 1e9));
-    return m_idleFrom - now;
+    return std::max(m_idleFrom - now, std::chrono::nanoseconds(0));
 }
 
 void Faults::add(const Misbehaviour &fault)
