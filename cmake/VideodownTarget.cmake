@@ -27,7 +27,8 @@ endfunction()
 function(videodown_install_library target)
   cmake_parse_arguments(arg "" "FOLDER;LINK" "REQUIRES;HEADERS" ${ARGN})
   set_target_properties(${target} PROPERTIES VERSION ${PROJECT_VERSION}
-    SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+    SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
+    CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
   if(NOT VIDEODOWN_INSTALL)
     return()
   endif()

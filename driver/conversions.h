@@ -3,6 +3,7 @@
 #define VIDEODOWN_DRIVER_CONVERSIONS_H
 
 #include "driver/converter.h"
+#include "engine/visibility.h"
 
 #include <QJsonObject>
 
@@ -10,7 +11,7 @@
 
 class CDown;
 
-namespace conversions {
+namespace VIDEODOWN_PUBLIC conversions {
 
 /**
  * How a task's video would have to be converted to be what was wanted: "needed" and, if so,

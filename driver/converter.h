@@ -3,6 +3,7 @@
 #define VIDEODOWN_DRIVER_CONVERTER_H
 
 #include "driver/downloadtask.h"
+#include "engine/visibility.h"
 
 #include <QList>
 #include <QObject>
@@ -27,7 +28,7 @@ struct Conversion
  *
  * Threads: belongs to the thread that made it, which must run an event loop.
  */
-class Converter : public QObject
+class VIDEODOWN_PUBLIC Converter : public QObject
 {
     Q_OBJECT
 

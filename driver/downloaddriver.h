@@ -7,6 +7,7 @@
 #include "driver/taskaction.h"
 #include "driver/taskrecord.h"
 #include "driver/taskstate.h"
+#include "engine/visibility.h"
 
 #include <QObject>
 
@@ -28,7 +29,7 @@ class HistoryKeeper;
  *
  * Controller: made with the driver, and destroyed with it. One driver exists per process at a time.
  */
-class DownloadDriver : public QObject
+class VIDEODOWN_PUBLIC DownloadDriver : public QObject
 {
     Q_OBJECT
 

@@ -5,6 +5,7 @@
 #include "driver/converter.h"
 #include "driver/downloaddriver.h"
 #include "driver/historykeeper.h"
+#include "engine/visibility.h"
 
 #include <QHash>
 #include <QObject>
@@ -18,7 +19,7 @@
  * Threads: belongs to the thread that made it, which must run an event loop; slots must not delete
  * it.
  */
-class DownloadSession : public QObject
+class VIDEODOWN_PUBLIC DownloadSession : public QObject
 {
     Q_OBJECT
 

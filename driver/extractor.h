@@ -3,10 +3,11 @@
 #define VIDEODOWN_DRIVER_EXTRACTOR_H
 
 #include "driver/downloadtask.h"
+#include "engine/visibility.h"
 
 #include <QString>
 
-namespace extractor {
+namespace VIDEODOWN_PUBLIC extractor {
 
 /**
  * Looks for `videodown-extract` beside this program, where a build puts it, and in PATH.

@@ -5,6 +5,7 @@
 #include "down/cdown.h"
 #include "driver/taskrecord.h"
 #include "engine/annotatedmutex.h"
+#include "engine/visibility.h"
 
 #include <QHash>
 #include <QJsonObject>
@@ -38,7 +39,7 @@ struct UpgradeFiles;
  * Threads: belongs to the thread that made it, except `recordSize`. Not to be called with the
  * controller lock held: it takes it, and writes to disk without it.
  */
-class HistoryKeeper : public QObject
+class VIDEODOWN_PUBLIC HistoryKeeper : public QObject
 {
     Q_OBJECT
 

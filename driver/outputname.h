@@ -4,6 +4,7 @@
 
 #include "driver/downloadtask.h"
 #include "driver/taskrecord.h"
+#include "engine/visibility.h"
 
 #include <QSet>
 #include <QString>
@@ -46,8 +47,8 @@ struct OutputPlace
  */
 std::variant<OutputName, FailureReason> chooseOutputName(const OutputPlace &place);
 
-/** The same, but makes and removes nothing. */
-OutputName plannedName(const OutputPlace &place);
+/** The same, but makes and removes nothing. The command's dry run asks it, too. */
+VIDEODOWN_PUBLIC OutputName plannedName(const OutputPlace &place);
 
 /** The name that the video would have if no name were ever taken. */
 OutputName plainName(const OutputPlace &place);

@@ -2,9 +2,11 @@
 #ifndef VIDEODOWN_DRIVER_PLAINTEXT_H
 #define VIDEODOWN_DRIVER_PLAINTEXT_H
 
+#include "engine/visibility.h"
+
 #include <QString>
 
-namespace plaintext {
+namespace VIDEODOWN_PUBLIC plaintext {
 
 /**
  * The text with each control character, line separator, direction override and lone surrogate

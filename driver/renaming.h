@@ -3,6 +3,7 @@
 #define VIDEODOWN_DRIVER_RENAMING_H
 
 #include "down/cdown.h"
+#include "engine/visibility.h"
 
 #include <QString>
 
@@ -12,6 +13,6 @@
  * controller lock; the history is not saved.
  * @return why that failed, in English; empty on success
  */
-QString renameTask(CDown &controller, const QString &key, const QString &name);
+VIDEODOWN_PUBLIC QString renameTask(CDown &controller, const QString &key, const QString &name);
 
 #endif

@@ -3,10 +3,11 @@
 #define VIDEODOWN_DRIVER_RESULTTEXT_H
 
 #include "driver/downloadtask.h"
+#include "engine/visibility.h"
 
 #include <QString>
 
-namespace resulttext {
+namespace VIDEODOWN_PUBLIC resulttext {
 
 /** Names a task to a person: its title and its address, cut to a sensible length. */
 QString nameOf(const DownloadResult &result);

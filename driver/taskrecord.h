@@ -5,6 +5,7 @@
 #include "driver/downloadtask.h"
 #include "driver/taskaction.h"
 #include "driver/taskstate.h"
+#include "engine/visibility.h"
 #include "history/cxmlinfo.h"
 
 #include <QString>
@@ -19,7 +20,7 @@
  */
 using UnfinishedFiles = std::function<QStringList(const QString &path)>;
 
-namespace taskrecord {
+namespace VIDEODOWN_PUBLIC taskrecord {
 
 TaskState stateOf(const CXMLInfo &record);
 

@@ -4,6 +4,7 @@
 
 #include "down/cdown.h"
 #include "driver/downloadtask.h"
+#include "engine/visibility.h"
 
 #include <QList>
 #include <QStringList>
@@ -11,7 +12,7 @@
 #include <optional>
 
 /** All of these take the controller lock. Tasks that a driver has are not to be asked for. */
-namespace taskrequests {
+namespace VIDEODOWN_PUBLIC taskrequests {
 
 /** The tasks that were interrupted, in the order of the history. */
 QList<DownloadRequest> interrupted(CDown &controller);

@@ -2,6 +2,8 @@
 #ifndef VIDEODOWN_DRIVER_TASKSTATE_H
 #define VIDEODOWN_DRIVER_TASKSTATE_H
 
+#include "engine/visibility.h"
+
 #include <QString>
 
 /**
@@ -23,6 +25,6 @@ enum class TaskState : int {
  * A task's state in one English word, when no driver has the task: "interrupted", "finished",
  * "failed", "stopped" or "unknown".
  */
-QString stateName(TaskState state);
+VIDEODOWN_PUBLIC QString stateName(TaskState state);
 
 #endif

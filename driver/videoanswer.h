@@ -3,6 +3,7 @@
 #define VIDEODOWN_DRIVER_VIDEOANSWER_H
 
 #include "driver/downloadtask.h"
+#include "engine/visibility.h"
 #include "history/cxmlinfo.h"
 
 #include <QString>
@@ -20,18 +21,18 @@ enum class AnswerSource {
  * first format in `fmt_list`, where the library passes over it. The caller holds the controller
  * lock.
  */
-AnswerSource answerSourceOf(const CXMLInfo &record);
+VIDEODOWN_PUBLIC AnswerSource answerSourceOf(const CXMLInfo &record);
 /** The same from the list itself. */
-AnswerSource answerSourceOf(const QString &fmtList);
+VIDEODOWN_PUBLIC AnswerSource answerSourceOf(const QString &fmtList);
 
 /** The source in one English word: "site", "command", "extractor"; empty for an unknown one. */
-QString answerSourceName(AnswerSource source);
+VIDEODOWN_PUBLIC QString answerSourceName(AnswerSource source);
 
 /**
  * Why an answer without formats has none, for people.
  * @param videoInfoText the record's field of this name
  * @param advice for a page that offers nothing
  */
-FailureReason nothingOffered(const QString &videoInfoText, const QString &advice);
+VIDEODOWN_PUBLIC FailureReason nothingOffered(const QString &videoInfoText, const QString &advice);
 
 #endif

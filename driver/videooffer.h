@@ -2,6 +2,7 @@
 #ifndef VIDEODOWN_DRIVER_VIDEOOFFER_H
 #define VIDEODOWN_DRIVER_VIDEOOFFER_H
 
+#include "engine/visibility.h"
 #include "history/cxmlprofile.h"
 
 #include <QList>
@@ -34,7 +35,7 @@ struct ChosenFormat
 };
 
 /** The two lists of a site's answer, read once. A plain value; empty until there is an answer. */
-class VideoOffer
+class VIDEODOWN_PUBLIC VideoOffer
 {
 public:
     VideoOffer() = default;

@@ -2,9 +2,11 @@
 #ifndef VIDEODOWN_TASKENGINE_FAILURE_H
 #define VIDEODOWN_TASKENGINE_FAILURE_H
 
+#include "engine/visibility.h"
+
 #include <string>
 
-namespace taskengine {
+namespace VIDEODOWN_PUBLIC taskengine {
 
 /**
  * Why a request failed, as the value of its failure event. Values from 100 to 599 are the HTTP

@@ -56,12 +56,14 @@
 #ifndef VIDEODOWN_TASKENGINE_OPTIONS_H
 #define VIDEODOWN_TASKENGINE_OPTIONS_H
 
+#include "engine/visibility.h"
+
 #include <chrono>
 #include <cstddef>
 #include <string>
 #include <vector>
 
-namespace taskengine {
+namespace VIDEODOWN_PUBLIC taskengine {
 
 /** Kinds of proxy, the values of `tagProxyParam::nProxyValue2`. */
 enum class ProxyType {

@@ -2,9 +2,11 @@
 #ifndef VIDEODOWN_TASKENGINE_UNFINISHEDFILES_H
 #define VIDEODOWN_TASKENGINE_UNFINISHEDFILES_H
 
+#include "engine/visibility.h"
+
 #include <string>
 
-namespace taskengine {
+namespace VIDEODOWN_PUBLIC taskengine {
 
 /** The files beside a target that a later request for the same target resumes from. */
 struct UnfinishedFiles

@@ -18,6 +18,7 @@
 
 #include "down/controllerlock.h"
 #include "engine/taskengine.h"
+#include "engine/visibility.h"
 #include "history/cxmlhistory.h"
 #include "video/videoformat.h"
 
@@ -63,6 +64,7 @@ struct tagConvertInfo
 };
 
 // State shared by the process, protected by the controller lock.
+#pragma GCC visibility push(default)
 extern int DOWN_THREADNUM_MAX VIDEODOWN_GUARDED;        ///< download thread limit; 0 at start
 extern bool g_bApplicationExit VIDEODOWN_GUARDED;       ///< user stops start nothing; true at start
 extern bool g_bStopAll VIDEODOWN_GUARDED;               ///< a stop-all is in force; false at start
@@ -70,16 +72,17 @@ extern QStringList m_DownLoadingList VIDEODOWN_GUARDED; ///< keys of videos at t
 extern QStringList m_DownloadAllTask VIDEODOWN_GUARDED; ///< keys of all requests at the engine
 extern QStringList m_ConverterList VIDEODOWN_GUARDED;   ///< keys parsed again for a conversion
 extern QStringList m_ReDownLoadList VIDEODOWN_GUARDED;  ///< keys parsed again by `ReDownLoad`
+#pragma GCC visibility pop
 
 /**
  * Copies a file's bytes; an existing destination is replaced. A source that cannot be opened leaves
  * the destination untouched, and a file copied onto itself stays as it is. Takes no lock.
  * @return false when a file could not be opened; errors while copying are not detected
  */
-bool CopyFileC(char *source, char *destination);
+VIDEODOWN_PUBLIC bool CopyFileC(char *source, char *destination);
 
 /** One controller exists per process at a time. */
-class CDown
+class VIDEODOWN_PUBLIC CDown
 {
 public:
     // ---- Life cycle and configuration (lifecycle.cpp)

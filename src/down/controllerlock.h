@@ -3,12 +3,13 @@
 #define VIDEODOWN_DOWN_CONTROLLERLOCK_H
 
 #include "engine/annotatedmutex.h"
+#include "engine/visibility.h"
 
 #define VIDEODOWN_GUARDED VIDEODOWN_GUARDED_BY(controllerMutex)
 #define VIDEODOWN_NEEDS_LOCK VIDEODOWN_REQUIRES(controllerMutex)
 
 /** Names the lock. The lock itself is made on first use and never destroyed. */
-class VIDEODOWN_THREAD_ANNOTATION(capability("mutex")) ControllerMutex
+class VIDEODOWN_PUBLIC VIDEODOWN_THREAD_ANNOTATION(capability("mutex")) ControllerMutex
 {
 public:
     /** Waits for the lock; a thread that has it takes it once more. */
@@ -21,7 +22,7 @@ public:
  * Protects the controller's fields, the exported lists and flags, and every record in the task
  * list. Re-entrant: the controller's operations call each other, and callbacks call the controller.
  */
-extern ControllerMutex controllerMutex;
+VIDEODOWN_PUBLIC extern ControllerMutex controllerMutex;
 
 /**
  * Holds the lock for a scope. The controller's operations take it themselves; an application needs
@@ -50,7 +51,7 @@ public:
  * an operation that ran a callback may find the world changed when it goes on, and code that holds
  * the lock around an engine request keeps no record pointer across it.
  */
-class ControllerUnlock
+class VIDEODOWN_PUBLIC ControllerUnlock
 {
 public:
     ControllerUnlock();

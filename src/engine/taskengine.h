@@ -177,6 +177,7 @@ private:
     }
 };
 
+#pragma GCC visibility push(default)
 extern "C" {
 
 /** Starts the engine. May be called again after `DownloadCleanup`. @return 0, or -1 on failure */
@@ -207,6 +208,7 @@ int StopDownload(const char *key);
 int SuspendedDownload(const char *key);
 
 } // extern "C"
+#pragma GCC visibility pop
 
 static_assert(sizeof(tagProxyParam) == 392 && std::is_trivially_copyable<tagProxyParam>::value,
               "the proxy record is copied byte for byte");

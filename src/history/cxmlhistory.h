@@ -2,6 +2,7 @@
 #ifndef VIDEODOWN_HISTORY_CXMLHISTORY_H
 #define VIDEODOWN_HISTORY_CXMLHISTORY_H
 
+#include "engine/visibility.h"
 #include "history/cxmlinfo.h"
 
 #include <QDomElement>
@@ -19,7 +20,7 @@ class QDomDocument;
  *
  * Threads: no lock of its own; a controller's list is protected by the controller lock.
  */
-class CXMLHistory
+class VIDEODOWN_PUBLIC CXMLHistory
 {
 public:
     CXMLHistory();

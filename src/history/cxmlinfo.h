@@ -2,6 +2,7 @@
 #ifndef VIDEODOWN_HISTORY_CXMLINFO_H
 #define VIDEODOWN_HISTORY_CXMLINFO_H
 
+#include "engine/visibility.h"
 #include "history/cxmlprofile.h"
 
 #include <QDateTime>
@@ -22,7 +23,7 @@ class QDomElement;
  * Threads: a record has no lock of its own. Records of a controller's list are protected by the
  * controller lock (down/controllerlock.h).
  */
-class CXMLInfo
+class VIDEODOWN_PUBLIC CXMLInfo
 {
 public:
     /** A record with the defaults below. @param history stored, not owned, never read; may be null

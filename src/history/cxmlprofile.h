@@ -2,6 +2,8 @@
 #ifndef VIDEODOWN_HISTORY_CXMLPROFILE_H
 #define VIDEODOWN_HISTORY_CXMLPROFILE_H
 
+#include "engine/visibility.h"
+
 #include <QString>
 
 /**
@@ -43,7 +45,7 @@ struct Profile_Desc
  * The holder through which a task record owns its profile. `m_pDesc` is never null and never
  * replaced while the holder lives; callers change the profile by copying values into it.
  */
-class CXMLProfile
+class VIDEODOWN_PUBLIC CXMLProfile
 {
 public:
     CXMLProfile();

@@ -5,12 +5,13 @@
 #ifndef VIDEODOWN_HISTORY_HISTORYFILE_H
 #define VIDEODOWN_HISTORY_HISTORYFILE_H
 
+#include "engine/visibility.h"
 #include "history/cxmlhistory.h"
 
 #include <QByteArray>
 #include <QString>
 
-namespace historyfile {
+namespace VIDEODOWN_PUBLIC historyfile {
 
 /** Whether a file exists at `path`. */
 bool exists(const QString &path);

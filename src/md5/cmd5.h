@@ -2,6 +2,8 @@
 #ifndef VIDEODOWN_MD5_CMD5_H
 #define VIDEODOWN_MD5_CMD5_H
 
+#include "engine/visibility.h"
+
 #include <cstdint>
 
 /**
@@ -10,7 +12,7 @@
  *
  * MD5 identifies tasks here; it protects nothing. All words are 32 bits wide.
  */
-class CMD5
+class VIDEODOWN_PUBLIC CMD5
 {
 public:
     /** The digest in progress. Set up by `MD5Init`, cleared by `MD5Final`. */

@@ -2,6 +2,8 @@
 #ifndef VIDEODOWN_STRUTIL_NARROWTEXT_H
 #define VIDEODOWN_STRUTIL_NARROWTEXT_H
 
+#include "engine/visibility.h"
+
 #include <QString>
 
 #include <string>
@@ -13,7 +15,7 @@
  *
  * Threads: all functions may be called from any thread; `setCodec` belongs before the first task.
  */
-namespace narrowtext {
+namespace VIDEODOWN_PUBLIC narrowtext {
 
 enum class Codec {
     Latin1, ///< one character per byte; what it cannot represent becomes "?"

@@ -2,11 +2,13 @@
 #ifndef VIDEODOWN_STRUTIL_STRUTIL_H
 #define VIDEODOWN_STRUTIL_STRUTIL_H
 
+#include "engine/visibility.h"
+
 #include <cstddef>
 #include <string>
 #include <vector>
 
-namespace strutil {
+namespace VIDEODOWN_PUBLIC strutil {
 
 /** `text` without its leading spaces, line feeds, carriage returns and tabs. */
 std::string trimLeft(const std::string &text);

@@ -2,10 +2,12 @@
 #ifndef VIDEODOWN_SYSUTILITY_SYSUTILITY_H
 #define VIDEODOWN_SYSUTILITY_SYSUTILITY_H
 
+#include "engine/visibility.h"
+
 #include <string>
 
 /** All functions may be called from any thread. */
-namespace sysutility {
+namespace VIDEODOWN_PUBLIC sysutility {
 
 /** The operating system's identifier of this process. */
 int GetCurrentPid();

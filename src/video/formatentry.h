@@ -2,6 +2,7 @@
 #ifndef VIDEODOWN_VIDEO_FORMATENTRY_H
 #define VIDEODOWN_VIDEO_FORMATENTRY_H
 
+#include "engine/visibility.h"
 #include "history/cxmlprofile.h"
 #include "video/videoformat.h"
 
@@ -9,7 +10,7 @@
 
 #include <optional>
 
-namespace formatentry {
+namespace VIDEODOWN_PUBLIC formatentry {
 
 /**
  * Width times height, in unsigned 32-bit arithmetic, taken as signed and widened: what a 32-bit
