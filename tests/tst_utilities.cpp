@@ -1,6 +1,7 @@
 /** Digests and task keys, narrow strings, file names. */
 #include "taskfixture.h"
 
+#include "down/version.h"
 #include "md5/cmd5.h"
 #include "strutil/narrowtext.h"
 #include "strutil/strutil.h"
@@ -133,6 +134,20 @@ private slots:
         QVERIFY(strutil::trim(text) == text);
         QVERIFY(strutil::split(text, ",").front() == text.substr(0, 4));
         QVERIFY(sysutility::MakeFileName(text) == std::string("\0a\0,\0", 5));
+    }
+
+    void version()
+    {
+        const int major = VIDEODOWN_VERSION_MAJOR;
+        const int minor = VIDEODOWN_VERSION_MINOR;
+        const int patch = VIDEODOWN_VERSION_PATCH;
+        QCOMPARE(u"%1.%2.%3"_s.arg(major).arg(minor).arg(patch), VIDEODOWN_VERSION_STRING ""_L1);
+        QVERIFY(VIDEODOWN_VERSION_IS_AT_LEAST(major, minor, patch));
+        QVERIFY(VIDEODOWN_VERSION_IS_AT_LEAST(major, minor - 1, patch + 1));
+        QVERIFY(VIDEODOWN_VERSION_IS_AT_LEAST(major - 1, minor + 1, patch + 1));
+        QVERIFY(!VIDEODOWN_VERSION_IS_AT_LEAST(major, minor, patch + 1));
+        QVERIFY(!VIDEODOWN_VERSION_IS_AT_LEAST(major, minor + 1, patch));
+        QVERIFY(!VIDEODOWN_VERSION_IS_AT_LEAST(major + 1, minor - 1, patch));
     }
 
     void narrowTexts()

@@ -1,6 +1,7 @@
 // The command videodown.
 #include "commandline.h"
 #include "commands.h"
+#include "down/version.h"
 #include "exitstatus.h"
 #include "signalwatch.h"
 #include "standardstreams.h"
@@ -62,7 +63,7 @@ int main(int argc, char *argv[])
     qInstallMessageHandler(dropQtMessage);
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("videodown"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(VIDEODOWN_VERSION));
+    QCoreApplication::setApplicationVersion(QStringLiteral(VIDEODOWN_VERSION_STRING));
     narrowtext::setCodec(narrowtext::Codec::Utf8);
     const ExitStatus status = runProgram(QCoreApplication::arguments());
     if (status.signal != 0)

@@ -1,4 +1,5 @@
 // videodown-extract: what yt-dlp knows of a page, as a video-info response.
+#include "down/version.h"
 #include "extract/commandoptions.h"
 #include "extract/extractor.h"
 #include "extract/infolines.h"
@@ -116,7 +117,7 @@ int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("videodown-extract"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(VIDEODOWN_VERSION));
+    QCoreApplication::setApplicationVersion(QStringLiteral(VIDEODOWN_VERSION_STRING));
     QCommandLineParser parser;
     describe(parser);
     if (!parser.parse(QCoreApplication::arguments())) {
@@ -126,7 +127,7 @@ int main(int argc, char **argv)
     if (parser.isSet(QStringLiteral("help")))
         return int(print(parser.helpText().toUtf8()));
     if (parser.isSet(QStringLiteral("version")))
-        return int(print("videodown-extract " VIDEODOWN_VERSION "\n"));
+        return int(print("videodown-extract " VIDEODOWN_VERSION_STRING "\n"));
     CommandLine line;
     const QString wrong = read(parser, line);
     if (!wrong.isEmpty()) {

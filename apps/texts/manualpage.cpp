@@ -1,5 +1,7 @@
 #include "texts/manualpage.h"
 
+#include "down/version.h"
+
 namespace {
 
 // A full stop or an apostrophe would begin a request, and a hyphen that is typed is no dash.
@@ -18,7 +20,7 @@ QByteArray escaped(const QString &text)
 ManualPage::ManualPage(const QString &program, const QString &summary)
 {
     m_text = ".TH \"" + escaped(program.toUpper()) +
-             "\" \"1\" \"" VIDEODOWN_DATE "\" \"videodown " VIDEODOWN_VERSION
+             "\" \"1\" \"" VIDEODOWN_DATE "\" \"videodown " VIDEODOWN_VERSION_STRING
              "\" \"User Commands\"\n";
     addSection(QStringLiteral("NAME"));
     m_text += escaped(program) + " \\- " + escaped(summary) + '\n';

@@ -3,6 +3,7 @@
 #include "instancelink.h"
 #include "mainwindow.h"
 
+#include "down/version.h"
 #include "strutil/narrowtext.h"
 
 #include <QApplication>
@@ -92,7 +93,7 @@ int main(int argc, char **argv)
 {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("videodown"));
-    QApplication::setApplicationVersion(QStringLiteral(VIDEODOWN_VERSION));
+    QApplication::setApplicationVersion(QStringLiteral(VIDEODOWN_VERSION_STRING));
     QApplication::setDesktopFileName(QStringLiteral("videodown-window"));
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/videodown.svg")));
     narrowtext::setCodec(narrowtext::Codec::Utf8);
