@@ -47,17 +47,19 @@ struct OutputPlace
  */
 std::variant<OutputName, FailureReason> chooseOutputName(const OutputPlace &place);
 
-/** The same, but makes and removes nothing. The command's dry run asks it, too. */
+// The next three are public for the command's dry run.
+
+/** The same, but makes and removes nothing. */
 VIDEODOWN_PUBLIC OutputName plannedName(const OutputPlace &place);
 
 /** The name that the video would have if no name were ever taken. */
-OutputName plainName(const OutputPlace &place);
+VIDEODOWN_PUBLIC OutputName plainName(const OutputPlace &place);
 
 /**
  * What stands in the place of the file that is finally wanted, and is not the task's own.
  * @return its path; empty when there is nothing
  */
-QString conflictWith(const OutputPlace &place);
+VIDEODOWN_PUBLIC QString conflictWith(const OutputPlace &place);
 
 /** What became of a name that was chosen. */
 enum class Reservation {

@@ -4,6 +4,7 @@
 
 #include "down/cdown.h"
 #include "driver/taskrecord.h"
+#include "engine/visibility.h"
 
 #include <QString>
 
@@ -16,9 +17,12 @@ namespace overwriting {
  * may, and when nothing is there. Takes the controller lock.
  * @param key of the task
  * @param unfinished which files the engine leaves of an unfinished download; may be empty
+ *
+ * Public for the command's dry run.
  */
-std::optional<QString> obstacle(CDown &controller, const QString &key, const QString &path,
-                                const UnfinishedFiles &unfinished);
+VIDEODOWN_PUBLIC std::optional<QString> obstacle(CDown &controller, const QString &key,
+                                                 const QString &path,
+                                                 const UnfinishedFiles &unfinished);
 
 } // namespace overwriting
 
