@@ -427,7 +427,6 @@ private slots:
     void halted()
     {
         QFETCH(const bool, isPaused);
-        m_options.lowSpeedTime = 500ms;
         m_options.rateLimit = isPaused ? 0 : 100 * size;
         taskengine::setOptions(m_options);
         misbehave([](Misbehaviour &fault) { fault.prefix = "/thumbnail", fault.latency = 5s; });
@@ -435,6 +434,7 @@ private slots:
         QCOMPARE(DownloadVideo(video("video", 1)), 0);
         waitForPieces();
         m_options.rateLimit = isPaused ? 0 : 1;
+        m_options.lowSpeedTime = 500ms; // of the images below, not of the video
         taskengine::setOptions(m_options);
         QVERIFY(!isPaused || SuspendedDownload("video") == 0);
         double progress[2] = {};
