@@ -56,7 +56,7 @@ struct SiteVideo
     std::string failure;
 };
 
-/** A whole response, given in the place of what the site would have answered. */
+/** A whole response, given instead of what the site would have answered. */
 struct SiteAnswer
 {
     /** HTTP status, 200 to 599. */
@@ -106,7 +106,7 @@ struct Misbehaviour
     bool ignoreCondition = false;
     /** The length is not announced; the end of the connection ends the body. */
     bool unannounced = false;
-    /** Announced in the place of the true length. */
+    /** Announced instead of the true length. */
     std::optional<std::uint64_t> announcedLength;
     /** A second Content-Length, half of the first, stands behind it. */
     bool twoLengths = false;

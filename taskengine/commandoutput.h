@@ -19,7 +19,7 @@ struct Mistake
 /** @return the first mistake in the output of a command that ended well; nothing when it is good */
 std::optional<Mistake> mistakeIn(const std::string &output);
 
-/** @return the lines to deliver in the place of that output: no formats, and the mistake */
+/** @return the lines to deliver instead of that output: no formats, and the mistake */
 std::string linesFor(const Mistake &mistake);
 
 /** @return the lines with a field "by=WORD" behind the first format in `fmt_list` */

@@ -60,7 +60,7 @@ constexpr std::array<Words, 27> failures{{
     {valueOf(Failure::EmptyResponse), "the site sent an empty answer", parseAgain},
     {valueOf(Failure::MalformedResponse), "the answer makes no sense", checkAddress},
     {valueOf(Failure::ResponseTooLarge), "the answer is too large", checkAddress},
-    {valueOf(Failure::NotMedia), "the site sent a page in the place of the file", parseAgain},
+    {valueOf(Failure::NotMedia), "the site sent a page instead of the file", parseAgain},
     {valueOf(Failure::RangeMismatch), "the site does not continue where the file ends", tryLater},
     {valueOf(Failure::FolderMissing), "the download folder does not exist",
      "Create the folder or choose another one."},

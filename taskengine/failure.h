@@ -26,7 +26,7 @@ enum class Failure {
     EmptyResponse = 1010,     ///< no data at all
     MalformedResponse = 1011, ///< not HTTP, contradictory, or a video-info text without a line
     ResponseTooLarge = 1012,  ///< beyond the limits of `Options`
-    NotMedia = 1013,          ///< a page or text in the place of a video or image
+    NotMedia = 1013,          ///< a page or text instead of a video or image
     RangeMismatch = 1014,     ///< the site continued at another place than asked
     FolderMissing = 1015,     ///< the target's folder does not exist
     NameTooLong = 1016,       ///< the file system does not take the target's name

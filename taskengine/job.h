@@ -101,7 +101,7 @@ private:
     /** @return whether a fault that may pass is worth another try */
     virtual bool isWorthRetrying(const Fault &) const { return true; }
 
-    /** @return what goes on with the request in the place of giving up; null: nothing */
+    /** @return what goes on with the request instead of giving up; null: nothing */
     virtual std::unique_ptr<Job> alternative(const Fault &) { return nullptr; }
 
     void takeOver(bool paused);

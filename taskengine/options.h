@@ -102,7 +102,7 @@ struct Options
      * A command of the same kind for pages whose site has no video-info response: its answer is
      * refused (4xx), empty, too large, or without any field, or the page's address names no video.
      * When the command knows streams, the host is not asked again while the engine runs. Its lines
-     * are treated as those of `videoInfoCommand`, with the word "fallback" in the place of
+     * are treated as those of `videoInfoCommand`, with the word "fallback" instead of
      * "command". Empty: there is none. Not used beside `videoInfoCommand`.
      */
     std::vector<std::string> fallbackCommand;
@@ -146,7 +146,7 @@ struct Options
      * and `all_proxy` name, but for the hosts in `no_proxy`, as libcurl understands them.
      */
     bool proxyFromEnvironment = false;
-    /** PEM file of the authorities to trust in the place of the system's; empty for those. */
+    /** PEM file of the authorities to trust instead of the system's; empty for those. */
     std::string caFile;
 };
 

@@ -22,7 +22,7 @@ constexpr const char *factsHeading = "videodown part 1";
 constexpr const char *piecesHeading = "videodown part 2";
 constexpr const char *piecesKey = "pieces ";
 constexpr const char *lineEnd = " .";
-constexpr const char *onDisk = "disk"; ///< in the place of a boot: these pieces outlast it
+constexpr const char *onDisk = "disk"; ///< instead of a boot: these pieces outlast it
 
 bool isSameFile(int file, const std::string &path)
 {

@@ -21,7 +21,7 @@ class RequestHeaders
 {
 public:
     /**
-     * Takes those lines out of a command's output, and keeps their fields in the place of earlier
+     * Takes those lines out of a command's output, and keeps their fields instead of earlier
      * ones. Fields that are the engine's own business, or not well-formed (RFC 9110, section 5),
      * are dropped.
      */

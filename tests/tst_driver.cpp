@@ -449,7 +449,7 @@ private slots:
     void conflicts_data()
     {
         QTest::addColumn<OnConflict>("action");
-        QTest::addColumn<QString>("present"); // in the place of the video
+        QTest::addColumn<QString>("present"); // instead of the video
         QTest::addColumn<QString>("name");    // of the video in the end; empty: it is skipped
         QTest::addColumn<QString>("told");    // why nothing is overwritten
         const QString plain = u"Clip 1"_s;

@@ -153,9 +153,9 @@ private slots:
         for (const char *name :
              {"formats", "_type", "is_live", "http_headers", "cookies", "entries"})
             numbers = with(numbers, name, 7);
-        row("numbers in the place of all else", QJsonDocument(numbers).toJson(),
+        row("numbers instead of all else", QJsonDocument(numbers).toJson(),
             "title=video\n" + lists);
-        row("objects in the place of lists",
+        row("objects instead of lists",
             R"({"_type":"playlist","entries":{"0":{}},"formats":{"0":{}}})",
             refused + "there is no video on the page\n");
         for (const char *json : {"[]", "7", "null", "\"text\"", "{\"title\":\"\xff\"}x"})

@@ -1,5 +1,5 @@
 /** The rate that transfers share, with transfers that only count, at times that the test says. */
-#define VIDEODOWN_TASKENGINE_TRANSFER_H // in the place of the engine's transfers
+#define VIDEODOWN_TASKENGINE_TRANSFER_H // instead of the engine's transfers
 
 #include "taskengine/ratelimit.h"
 #include "taskengine/settings.h"

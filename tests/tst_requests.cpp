@@ -172,7 +172,7 @@ private slots:
         }
     }
 
-    /** Wherever a pause meets the answer, a page in the place of the video is told from the video.
+    /** Wherever a pause meets the answer, a page instead of the video is told from the video.
      */
     void suspendedAnswerIsJudged()
     {

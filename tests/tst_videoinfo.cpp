@@ -1,4 +1,4 @@
-/** Parse requests: the site's answer, the page's address, and commands in the place of a site. */
+/** Parse requests: the site's answer, the page's address, and commands instead of a site. */
 #include "enginefixture.h"
 #include "taskengine/requestheaders.h"
 

@@ -10,7 +10,7 @@ const QCommandLineOption cookies(QStringLiteral("cookies"),
                                                 "format, as browsers export it."),
                                  QStringLiteral("file"));
 const QCommandLineOption program(QStringLiteral("program"),
-                                 QStringLiteral("Run this in the place of yt-dlp."),
+                                 QStringLiteral("Run this instead of yt-dlp."),
                                  QStringLiteral("program"));
 const QCommandLineOption timeLimit(QStringLiteral("time-limit"),
                                    QStringLiteral("Give up after so many seconds, 1 to 3600; "

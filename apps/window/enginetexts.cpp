@@ -43,7 +43,7 @@ namespace {
     QT_TRANSLATE_NOOP("Engine", "the site sent an empty answer"),
     QT_TRANSLATE_NOOP("Engine", "the answer makes no sense"),
     QT_TRANSLATE_NOOP("Engine", "the answer is too large"),
-    QT_TRANSLATE_NOOP("Engine", "the site sent a page in the place of the file"),
+    QT_TRANSLATE_NOOP("Engine", "the site sent a page instead of the file"),
     QT_TRANSLATE_NOOP("Engine", "the site does not continue where the file ends"),
     QT_TRANSLATE_NOOP("Engine", "the download folder does not exist"),
     QT_TRANSLATE_NOOP("Engine", "Create the folder or choose another one."),

@@ -46,7 +46,7 @@ struct Settings
 
     /** Whether the extractor is asked where a site has no answer. */
     bool asksExtractor() const;
-    /** Whether a command is asked in the place of the sites. */
+    /** Whether a command is asked instead of the sites. */
     bool hasVideoInfoCommand() const;
     /** What the settings wish for a video. */
     Profile_Desc profile() const;

@@ -259,7 +259,7 @@
         <translation>die Antwort ist zu groß</translation>
     </message>
     <message>
-        <source>the site sent a page in the place of the file</source>
+        <source>the site sent a page instead of the file</source>
         <translation>die Seite hat statt der Datei eine Webseite gesendet</translation>
     </message>
     <message>
