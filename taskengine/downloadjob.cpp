@@ -1,6 +1,7 @@
 #include "taskengine/downloadjob.h"
 
 #include "taskengine/address.h"
+#include "taskengine/partending.h"
 
 #include <algorithm>
 #include <limits>
@@ -14,61 +15,6 @@ constexpr std::chrono::milliseconds reportInterval{250};
 constexpr std::chrono::milliseconds saveInterval{500}; ///< a kill costs no more work than this
 
 constexpr std::int64_t endless = std::numeric_limits<std::int64_t>::max();
-
-/** What nobody takes up again is not left behind. */
-void leavePart(PartFile &part, bool mayContinue)
-{
-    if (mayContinue && part.isOpen())
-        part.keep();
-    else
-        part.discard();
-}
-
-/** Gives the part file the name of the target. */
-class PartCompletion : public Completion
-{
-public:
-    PartCompletion(std::unique_ptr<PartFile> part, std::shared_ptr<TargetFile> target)
-        : m_part(std::move(part)), m_target(std::move(target))
-    {
-    }
-
-    ~PartCompletion() override
-    {
-        leavePart(*m_part, true);
-        m_target->release();
-    }
-
-    std::optional<Fault> commit() override
-    {
-        const auto fault = m_part->commit(m_target->path());
-        if (!fault)
-            m_target->keep();
-        return fault;
-    }
-
-private:
-    const std::unique_ptr<PartFile> m_part;
-    const std::shared_ptr<TargetFile> m_target;
-};
-
-/** Waits for the disk, which must not hold up the other transfers. */
-class PartLeaving : public Completion
-{
-public:
-    explicit PartLeaving(std::unique_ptr<PartFile> part) : m_part(std::move(part)) {}
-
-    ~PartLeaving() override { leavePart(*m_part, true); }
-
-    std::optional<Fault> commit() override
-    {
-        leavePart(*m_part, true);
-        return std::nullopt;
-    }
-
-private:
-    const std::unique_ptr<PartFile> m_part;
-};
 
 } // namespace
 
@@ -122,7 +68,7 @@ std::optional<Fault> DownloadJob::openPart()
 std::unique_ptr<Completion> DownloadJob::leaveFiles(bool mayContinue)
 {
     if (mayContinue && m_part->hasPieces())
-        return std::make_unique<PartLeaving>(std::exchange(m_part, std::make_unique<PartFile>()));
+        return partLeaving(std::exchange(m_part, std::make_unique<PartFile>()));
     leavePart(*m_part, mayContinue);
     return nullptr;
 }
@@ -293,7 +239,7 @@ std::optional<Fault> DownloadJob::complete()
     finish({DOWN_STATE_DOWNLOAD_FINISH,
             static_cast<double>(size),
             {},
-            std::make_unique<PartCompletion>(std::move(part), target())});
+            partCompletion(std::move(part), target())});
     return std::nullopt;
 }
 

@@ -8,7 +8,6 @@
 #include <cstring>
 #include <fcntl.h>
 #include <fstream>
-#include <istream>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
@@ -16,13 +15,12 @@
 
 namespace taskengine {
 
+using pieceslines::Lasting;
+
 namespace {
 
 constexpr const char *factsHeading = "videodown part 1";
 constexpr const char *piecesHeading = "videodown part 2";
-constexpr const char *piecesKey = "pieces ";
-constexpr const char *lineEnd = " .";
-constexpr const char *onDisk = "disk"; ///< instead of a boot: these pieces outlast it
 
 bool isSameFile(int file, const std::string &path)
 {
@@ -30,54 +28,6 @@ bool isSameFile(int file, const std::string &path)
     struct stat named = {};
     return ::fstat(file, &opened) == 0 && ::lstat(path.c_str(), &named) == 0 &&
            opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
-}
-
-/** What the system had not written yet when it went down is lost, whatever the facts say. */
-std::string readBoot()
-{
-    std::ifstream file("/proc/sys/kernel/random/boot_id");
-    std::string boot;
-    file >> boot;
-    return boot.empty() ? "unknown" : boot;
-}
-
-const std::string &currentBoot()
-{
-    static const std::string boot = readBoot();
-    return boot;
-}
-
-bool endsWith(const std::string &text, const std::string &end)
-{
-    return text.size() >= end.size() &&
-           text.compare(text.size() - end.size(), end.size(), end) == 0;
-}
-
-/** "pieces BOOT 0-10 20-30 ."; lines that a kill or a full disk cut off have no end. */
-std::optional<PieceSet> parsePiecesLine(const std::string &line)
-{
-    const std::string key = piecesKey;
-    if (line.compare(0, key.size(), key) != 0 || !endsWith(line, lineEnd))
-        return std::nullopt;
-    const std::size_t space = line.find(' ', key.size());
-    const std::string boot = line.substr(key.size(), space - key.size());
-    if (boot != onDisk && boot != currentBoot())
-        return std::nullopt;
-    return PieceSet::parse(line.substr(space, line.size() - space - std::strlen(lineEnd)));
-}
-
-/** @return the newest pieces that can be trusted; none when the file does not have them */
-PieceSet readPieces(std::istream &file, std::int64_t length)
-{
-    PieceSet pieces;
-    for (std::string line; std::getline(file, line);) {
-        const auto read = parsePiecesLine(line);
-        if (read && read->firstMissing() > 0)
-            pieces = *read;
-    }
-    if (pieces.end() > length)
-        pieces.clear();
-    return pieces;
 }
 
 bool writeAll(int file, const std::string &text)
@@ -151,7 +101,7 @@ void PartFile::loadFacts(std::int64_t length)
         return;
     m_facts = facts;
     if (m_hasPieces)
-        m_pieces = readPieces(file, length);
+        m_pieces = pieceslines::read(file, length);
     else
         m_pieces.add({0, length});
 }
@@ -212,24 +162,23 @@ std::optional<Fault> PartFile::allowPieces()
         return fault.is(Failure::DiskFull) ? std::optional<Fault>(fault) : std::nullopt;
     }
     saveFacts();
-    m_hasPieces = addPiecesLine(currentBoot()) && markPieces();
+    m_hasPieces = addPiecesLine(Lasting::UntilReboot) && markPieces();
     m_noted = size();
     return std::nullopt;
 }
 
 void PartFile::savePieces()
 {
-    if (m_hasPieces && m_noted != size() && addPiecesLine(currentBoot()))
+    if (m_hasPieces && m_noted != size() && addPiecesLine(Lasting::UntilReboot))
         m_noted = size();
 }
 
-bool PartFile::addPiecesLine(const std::string &where) const
+bool PartFile::addPiecesLine(pieceslines::Lasting lasting) const
 {
     const int file = openNoFollow(m_factsPath, O_WRONLY | O_APPEND);
     if (file < 0)
         return false;
-    const bool written =
-        writeAll(file, "\n" + std::string(piecesKey) + where + " " + m_pieces.text() + lineEnd);
+    const bool written = writeAll(file, pieceslines::line(m_pieces, lasting));
     return ::close(file) == 0 && written;
 }
 
@@ -299,7 +248,7 @@ void PartFile::keep()
     }
     saveFacts();
     if (m_hasPieces)
-        addPiecesLine(::fdatasync(m_file) == 0 ? onDisk : currentBoot());
+        addPiecesLine(::fdatasync(m_file) == 0 ? Lasting::Always : Lasting::UntilReboot);
     close();
 }
 

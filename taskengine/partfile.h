@@ -4,6 +4,7 @@
 
 #include "taskengine/fault.h"
 #include "taskengine/pieceplan.h"
+#include "taskengine/pieceslines.h"
 
 #include <cstdint>
 #include <optional>
@@ -90,7 +91,7 @@ public:
 private:
     std::optional<Fault> openLocked();
     void loadFacts(std::int64_t length);
-    bool addPiecesLine(const std::string &where) const;
+    bool addPiecesLine(pieceslines::Lasting lasting) const;
     bool markPieces() const;
     void removeFacts();
     void close();
