@@ -29,11 +29,26 @@ std::chrono::milliseconds retryAfter(CURL *easy)
     return retryAfterDelay(seconds);
 }
 
+/** Whose earlier answer may have been longer than announced: what is left of it comes first then.
+ */
+bool wasUsedBefore(CURL *easy)
+{
+    long connections = 0;
+    return curl_easy_getinfo(easy, CURLINFO_NUM_CONNECTS, &connections) == CURLE_OK &&
+           connections == 0;
+}
+
+Fault noHttpFault(CURL *easy)
+{
+    return wasUsedBefore(easy) ? transient(Failure::ConnectionLost)
+                               : permanent(Failure::MalformedResponse);
+}
+
 /** curl reports an answer that is no HTTP with the same code as a redirect to another protocol. */
 Fault protocolFault(CURL *easy)
 {
-    return permanent(responseCode(easy) / 100 == 3 ? Failure::ForbiddenProtocol
-                                                   : Failure::MalformedResponse);
+    return responseCode(easy) / 100 == 3 ? permanent(Failure::ForbiddenProtocol)
+                                         : noHttpFault(easy);
 }
 
 } // namespace
@@ -82,6 +97,7 @@ Fault transferFault(CURL *easy, CURLcode code, bool viaProxy)
     case CURLE_RECV_ERROR:
         return transient(Failure::ConnectionLost);
     case CURLE_WEIRD_SERVER_REPLY:
+        return noHttpFault(easy);
     case CURLE_WRITE_ERROR:
         return permanent(Failure::MalformedResponse);
     case CURLE_SSL_CONNECT_ERROR:

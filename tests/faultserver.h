@@ -8,6 +8,7 @@
 #include <arpa/inet.h>
 #include <mutex>
 #include <netinet/in.h>
+#include <sstream>
 #include <string>
 #include <sys/socket.h>
 #include <thread>
@@ -16,11 +17,14 @@
 
 /**
  * Listens on the loopback interface. Each connection gets the next of the answers (the last one
- * again and again) to its first request, and is closed.
+ * again and again) to its first request, and is closed. What is behind `nextRequest` in an answer
+ * waits for a further request.
  */
 class FaultServer
 {
 public:
+    static constexpr char nextRequest = '\x1d';
+
     explicit FaultServer(QList<std::string> answers) : m_answers(std::move(answers))
     {
         m_socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
@@ -63,7 +67,12 @@ private:
             const int connection = ::accept4(m_socket, nullptr, nullptr, SOCK_CLOEXEC);
             if (connection < 0)
                 return;
-            answer(connection, m_answers[qMin(number, m_answers.size() - 1)]);
+            std::istringstream parts(m_answers[qMin(number, m_answers.size() - 1)]);
+            std::string part;
+            do {
+                std::getline(parts, part, nextRequest);
+                answer(connection, part);
+            } while (parts.good());
             ::close(connection);
         }
     }

@@ -148,6 +148,22 @@ private slots:
         }
     }
 
+    /** What a body has too much of is not taken for the next answer on the connection. */
+    void strayBytesAreNoAnswer()
+    {
+        const std::string whole = "HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n0123456789";
+        FaultServer server({whole + FaultServer::nextRequest + "too much\r\n\r\n", whole});
+        for (const char *key : {"one", "two"}) {
+            tagTaskInfo video = m_log->video(key, server.address(), path("/video.flv"));
+            video.nEngineParam2 = 2;
+            QCOMPARE(DownloadVideo(video), 0);
+            compareEnd(key, DOWN_STATE_DOWNLOAD_FINISH);
+            QCOMPARE(contentsOf(path("/video.flv")), std::string("0123456789"));
+        }
+        QCOMPARE(server.requests().size(), 3);
+        QCOMPARE(m_log->count("two", DOWN_STATE_RETRY_DOWNLOAD), 1);
+    }
+
     void transientFaultsAreRetried()
     {
         misbehave([](Misbehaviour &fault) { fault.cutAfter = 20; }, 1);
