@@ -222,7 +222,7 @@ private slots:
         const Ended endless = run({at}, R"(exec yes '{"title":')");
         QCOMPARE(endless.output, refused + "yt-dlp said more than 64 MB about this page\n");
         const Ended large =
-            run({at}, "printf '[\"'; head -c 100000000 /dev/zero | tr '\\0' x; printf '\"]'");
+            run({at}, R"(printf '["'; head -c 100000000 /dev/zero | tr '\0' x; printf '"]')");
         QCOMPARE(large.output, endless.output);
         const Ended late = run({at, u"--time-limit"_s, u"1"_s}, "exec sleep 600");
         QCOMPARE(late.output, refused + "yt-dlp took longer than 1 s for this page\n");
