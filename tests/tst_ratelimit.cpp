@@ -155,7 +155,7 @@ private slots:
         QVERIFY(sum(downloads) >= 100 * limit - 100);
         QVERIFY(downloads[0]->received + 100 >= downloads[1]->received);
         QVERIFY(downloads[1]->received + 100 >= downloads[0]->received);
-        QVERIFY2(downloads[2]->received >= 40 * 10,
+        QVERIFY2(downloads[2]->received >= std::size_t{40} * 10,
                  qPrintable(QString::number(downloads[2]->received)));
     }
 
