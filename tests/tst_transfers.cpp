@@ -287,8 +287,8 @@ private slots:
     /** What the limit holds back is not slow, and goes on once the limit allows it. */
     void heldTransfersGoOn()
     {
-        m_options.rateLimit = 1; // used up by the first piece
-        m_options.lowSpeedTime = std::chrono::milliseconds(500);
+        m_options.rateLimit = 1;                          // used up by the first piece
+        m_options.lowSpeedTime = std::chrono::seconds(2); // long enough for a busy machine
         taskengine::setOptions(m_options);
         const std::string keys[] = {"first", "second", "paused"};
         for (const std::string &key : keys)
