@@ -3,6 +3,7 @@
 #include "driver/journal.h"
 #include "driver/journalentry.h"
 #include "driver/recordtext.h"
+#include "history/storedtexts.h"
 
 #include <QFileInfo>
 
@@ -18,13 +19,13 @@ constexpr qint64 shortJournal = qint64{1} << 20;
 // Of a task at rest nothing is remembered: its next change writes all of it.
 QJsonObject HistoryKeeper::changeOf(const QString &key)
 {
-    QJsonObject now;
+    QStringList now;
     {
         const ControllerLock lock;
-        CXMLInfo *record = m_controller.getXMLInfo(key);
+        const CXMLInfo *record = m_controller.getXMLInfo(key);
         if (record == nullptr)
             return {};
-        now = recordtext::fieldsOf(*record);
+        now = storedtexts::of(*record);
         if (taskrecord::isInterrupted(*record))
             m_atWork.insert(key);
     }

@@ -12,6 +12,7 @@
 #include <QObject>
 #include <QSet>
 #include <QString>
+#include <QStringList>
 
 #include <future>
 #include <memory>
@@ -146,7 +147,7 @@ private:
     const std::unique_ptr<Journal> m_journal;
     QString m_setAside;
     QString m_setAsideJournal;
-    QHash<QString, QJsonObject> m_stored; // records as they are on disk, of tasks at work
+    QHash<QString, QStringList> m_stored; // texts of records on disk, of tasks at work
     QSet<QString> m_atWork;               // tasks that the next opening has to look after
     QSet<QString> m_unstored;             // tasks whose changes could not be written
     bool m_expectsChanges = false;

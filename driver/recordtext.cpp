@@ -1,21 +1,12 @@
 #include "driver/recordtext.h"
 
+#include "history/storedtexts.h"
+
 #include <QDomDocument>
 
 namespace recordtext {
 
 namespace {
-
-QJsonObject textsOf(const QDomElement &parent)
-{
-    QJsonObject texts;
-    for (QDomElement child = parent.firstChildElement(); !child.isNull();
-         child = child.nextSiblingElement()) {
-        const bool isNested = !child.firstChildElement().isNull();
-        texts.insert(child.tagName(), isNested ? QJsonValue(textsOf(child)) : child.text());
-    }
-    return texts;
-}
 
 void append(QDomDocument &document, QDomElement &parent, const QJsonObject &texts)
 {
@@ -31,26 +22,26 @@ void append(QDomDocument &document, QDomElement &parent, const QJsonObject &text
 
 } // namespace
 
-QJsonObject fieldsOf(CXMLInfo &record)
+QJsonObject fieldsOf(const CXMLInfo &record)
 {
-    QDomDocument document;
-    QDomElement info = document.createElement(QStringLiteral("Info"));
-    record.toDomNode(document, info);
-    return textsOf(info);
+    return changes({}, storedtexts::of(record));
 }
 
-QJsonObject changes(const QJsonObject &before, const QJsonObject &now)
+QJsonObject changes(const QStringList &before, const QStringList &now)
 {
-    QJsonObject changed;
-    for (auto field = now.begin(); field != now.end(); ++field) {
-        const QJsonValue old = before.value(field.key());
-        if (*field == old)
+    const auto &names = storedtexts::names();
+    QJsonObject info;
+    QJsonObject profile;
+    for (qsizetype at = 0; at < now.size(); ++at) {
+        if (!before.isEmpty() && before[at] == now[at])
             continue;
-        changed.insert(field.key(), field->isObject()
-                                        ? QJsonValue(changes(old.toObject(), field->toObject()))
-                                        : *field);
+        const auto &name = names[std::size_t(at)];
+        (name.isOfProfile ? profile : info)
+            .insert(name.element, storedtexts::carryable(now[at]));
     }
-    return changed;
+    if (!profile.isEmpty())
+        info.insert(QStringLiteral("Profile"), profile);
+    return info;
 }
 
 QJsonObject merged(QJsonObject fields, const QJsonObject &changed)

@@ -5,14 +5,18 @@
 #include "history/cxmlinfo.h"
 
 #include <QJsonObject>
+#include <QStringList>
 
 namespace recordtext {
 
 /** Every stored field as text, by the name of its element; "Profile" holds another such object. */
-QJsonObject fieldsOf(CXMLInfo &record);
+QJsonObject fieldsOf(const CXMLInfo &record);
 
-/** What `now` has that `before` has not, or has otherwise. */
-QJsonObject changes(const QJsonObject &before, const QJsonObject &now);
+/**
+ * The fields of `now` that `before` has otherwise, in the form that `fieldsOf` gives. Both are texts
+ * of `storedtexts::of`; an empty `before` has none of them.
+ */
+QJsonObject changes(const QStringList &before, const QStringList &now);
 
 /** `fields` with `changed` written over them. */
 QJsonObject merged(QJsonObject fields, const QJsonObject &changed);

@@ -64,6 +64,7 @@ Transfer::~Transfer()
 bool Transfer::start(TransferRequest request)
 {
     m_request = std::move(request);
+    m_curlMayRedirect = curlMayRedirect();
     m_redirects = 0;
     return m_easy && begin(m_request.address);
 }
@@ -93,7 +94,7 @@ void Transfer::setLimits()
     CURL *easy = m_easy.get();
     curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, protocols);
     curl_easy_setopt(easy, CURLOPT_REDIR_PROTOCOLS_STR, protocols);
-    curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, mayRedirectItself() ? 1L : 0L);
+    curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, m_curlMayRedirect ? 1L : 0L);
     curl_easy_setopt(easy, CURLOPT_MAXREDIRS, mostRedirects);
     // Each transfer gets a connection of its own: a paused one must not hold up its neighbours.
     curl_easy_setopt(easy, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
@@ -131,7 +132,7 @@ void Transfer::setProxy()
 }
 
 /** curl would take fields of ours along to any host, and tell a secure page's to insecure ones. */
-bool Transfer::mayRedirectItself() const
+bool Transfer::curlMayRedirect() const
 {
     return m_request.headers.empty() &&
            refererFor(m_request.page, "https://h/") == refererFor(m_request.page, "http://h/");
@@ -171,7 +172,7 @@ std::string Transfer::redirection() const
 {
     long status = 0;
     curl_header *location = nullptr;
-    if (mayRedirectItself() || m_began ||
+    if (m_curlMayRedirect || m_began ||
         curl_easy_getinfo(m_easy.get(), CURLINFO_RESPONSE_CODE, &status) != CURLE_OK ||
         status / 100 != 3 ||
         curl_easy_header(m_easy.get(), "Location", 0, CURLH_HEADER, -1, &location) != CURLHE_OK)

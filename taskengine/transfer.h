@@ -93,7 +93,7 @@ private:
     void setLimits();
     void setProxy();
     bool begin(const std::string &address);
-    bool mayRedirectItself() const;
+    bool curlMayRedirect() const;
     bool setFields(const std::string &address);
     std::string redirection() const;
     bool isConnected() const;
@@ -113,7 +113,8 @@ private:
     std::unique_ptr<CURL, HandleDeleter> m_easy;
     std::unique_ptr<curl_slist, ListDeleter> m_headers;
     TransferRequest m_request;
-    int m_redirects = 0; ///< those followed here
+    bool m_curlMayRedirect = false; ///< else redirects are followed here
+    int m_redirects = 0;            ///< those followed here
     bool m_running = false;
     bool m_paused = false;
     bool m_held = false; ///< by the rate limit

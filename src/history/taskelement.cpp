@@ -193,19 +193,41 @@ QString toText(qint64 value)
 
 // Date and time are judged apart: a local time that the clock skipped is no valid QDateTime, but
 // it is what the record holds. The form has no room for years of more or less than four digits.
+DateTimeText::DateTimeText(const QDateTime &value)
+{
+    int year = 0;
+    int month = 0;
+    int day = 0;
+    value.date().getDate(&year, &month, &day); // zeros, when it is invalid
+    const QTime time = value.time();
+    if (!time.isValid() || year < 1 || year > 9999)
+        return;
+    put(year, 4);
+    put('-');
+    put(month, 1);
+    put('-');
+    put(day, 1);
+    put(' ');
+    put(time.hour(), 1);
+    put(':');
+    put(time.minute(), 1);
+    put(':');
+    put(time.second(), 1);
+}
+
+// At least so many digits, at most four.
+void DateTimeText::put(int number, int digits)
+{
+    for (int place = 1000, left = 4; place > 0; place /= 10, --left) {
+        if (left <= digits || number >= place)
+            put(char('0' + number / place % 10));
+    }
+}
+
 QString toText(const QDateTime &value)
 {
-    const QDate date = value.date();
-    const QTime time = value.time();
-    if (!date.isValid() || !time.isValid() || date.year() < 1 || date.year() > 9999)
-        return QStringLiteral("");
-    return QStringLiteral("%1-%2-%3 %4:%5:%6")
-        .arg(date.year(), 4, 10, QLatin1Char('0'))
-        .arg(date.month())
-        .arg(date.day())
-        .arg(time.hour())
-        .arg(time.minute())
-        .arg(time.second());
+    const DateTimeText text(value);
+    return QString::fromLatin1(text.view().data(), qsizetype(text.view().size()));
 }
 
 QString toText(bool value)

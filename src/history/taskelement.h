@@ -4,7 +4,9 @@
 
 #include "history/cxmlinfo.h"
 
+#include <array>
 #include <bitset>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -27,6 +29,21 @@ const std::vector<Field<Profile_Desc>> &profileFields();
 
 /** The text with U+FFFD in place of what XML 1.0 (section 2.2) cannot carry. Shares good texts. */
 QString carryable(const QString &text);
+
+/** A date and time in its stored form, "yyyy-M-d h:m:s"; empty when it has none. */
+class DateTimeText
+{
+public:
+    explicit DateTimeText(const QDateTime &value);
+    std::string_view view() const { return {m_characters.data(), m_size}; }
+
+private:
+    void put(int number, int digits);
+    void put(char separator) { m_characters[m_size++] = separator; }
+
+    std::array<char, 24> m_characters;
+    std::size_t m_size = 0;
+};
 
 QString toText(const QString &value);
 QString toText(int value);
