@@ -58,7 +58,7 @@ QString HistoryKeeper::load()
     auto found = Journal::Found::Nothing;
     if (hasJournal) {
         const MutexLock lock(m_mutex);
-        found = m_journal->open(digest(), entries);
+        found = m_journal->open(m_path, digest(), entries);
     }
     if (found == Journal::Found::Foreign && intact)
         return setAsideForeignJournal();

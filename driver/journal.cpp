@@ -7,7 +7,12 @@
 #include <QFileInfo>
 #include <QJsonDocument>
 
+// Within this file, so that nobody has to link with it.
+#define XXH_INLINE_ALL
+#include <xxhash.h>
+
 #include <fcntl.h>
+#include <memory>
 #include <optional>
 #include <unistd.h>
 #include <utility>
@@ -17,6 +22,7 @@ namespace {
 const QString numberName = QStringLiteral("n");
 const QString baseName = QStringLiteral("journalOf");
 const QString successorName = QStringLiteral("becomes");
+const QLatin1String digestForm("xxh128:");
 
 QByteArray checksum(const QByteArray &text)
 {
@@ -32,6 +38,68 @@ std::optional<QJsonObject> entryIn(const QByteArray &line)
     const QJsonDocument document = QJsonDocument::fromJson(text);
     return document.isObject() ? std::optional(document.object()) : std::nullopt;
 }
+
+// Of all bytes of a history: with MD5 that took as long as writing them.
+class Digest
+{
+public:
+    Digest() : m_state(XXH3_createState()) { XXH3_128bits_reset(m_state.get()); }
+
+    void add(const char *bytes, qint64 size)
+    {
+        XXH3_128bits_update(m_state.get(), bytes, std::size_t(size));
+    }
+
+    QByteArray result() const
+    {
+        XXH128_canonical_t bytes;
+        XXH128_canonicalFromHash(&bytes, XXH3_128bits_digest(m_state.get()));
+        return digestForm.data() +
+               QByteArray(reinterpret_cast<const char *>(bytes.digest), sizeof bytes).toHex();
+    }
+
+private:
+    struct Deleter
+    {
+        void operator()(XXH3_state_t *state) const { XXH3_freeState(state); }
+    };
+    const std::unique_ptr<XXH3_state_t, Deleter> m_state;
+};
+
+// As version 0.1 wrote it.
+QByteArray formerDigestOfFile(const QString &historyPath)
+{
+    QFile file(historyPath);
+    QCryptographicHash hash(QCryptographicHash::Md5);
+    if (!file.open(QIODevice::ReadOnly) || !hash.addData(&file))
+        return {};
+    return hash.result().toHex();
+}
+
+// Tells whether a line means the history as it is.
+class HistoryMatch
+{
+public:
+    HistoryMatch(const QString &historyPath, const QByteArray &digest)
+        : m_path(historyPath), m_digest(QString::fromLatin1(digest))
+    {
+    }
+
+    bool operator()(const QJsonValue &value)
+    {
+        const QString digest = value.toString();
+        if (digest.isEmpty() || digest.startsWith(digestForm))
+            return value.isString() && digest == m_digest;
+        if (!m_former)
+            m_former = QString::fromLatin1(formerDigestOfFile(m_path));
+        return digest == *m_former;
+    }
+
+private:
+    const QString m_path;
+    const QString m_digest;
+    std::optional<QString> m_former;
+};
 
 struct Lines
 {
@@ -61,16 +129,23 @@ Lines wholeLines(QFile &file)
 
 QByteArray Journal::digestOf(const QByteArray &history)
 {
-    return QCryptographicHash::hash(history, QCryptographicHash::Md5).toHex();
+    Digest digest;
+    digest.add(history.constData(), history.size());
+    return digest.result();
 }
 
 QByteArray Journal::digestOfFile(const QString &historyPath)
 {
     QFile file(historyPath);
-    QCryptographicHash hash(QCryptographicHash::Md5);
-    if (!file.open(QIODevice::ReadOnly) || !hash.addData(&file))
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
         return {};
-    return hash.result().toHex();
+    constexpr qint64 blockSize = 262144;
+    QByteArray block(blockSize, Qt::Uninitialized);
+    Digest digest;
+    qint64 size = 0;
+    while ((size = file.read(block.data(), blockSize)) > 0)
+        digest.add(block.constData(), size);
+    return size < 0 ? QByteArray() : digest.result();
 }
 
 Journal::Journal(QString path) : m_path(std::move(path)) {}
@@ -81,7 +156,8 @@ Journal::~Journal()
         ::close(m_file);
 }
 
-Journal::Found Journal::open(const QByteArray &digest, QList<QJsonObject> &entries)
+Journal::Found Journal::open(const QString &historyPath, const QByteArray &digest,
+                             QList<QJsonObject> &entries)
 {
     QFile file(m_path);
     if (!file.open(QIODevice::ReadOnly))
@@ -91,10 +167,10 @@ Journal::Found Journal::open(const QByteArray &digest, QList<QJsonObject> &entri
         file.remove();
         return Found::Nothing;
     }
-    const QString history = QString::fromLatin1(digest);
-    bool isOurs = lines.entries.first().value(baseName) == history;
+    HistoryMatch isHistory(historyPath, digest);
+    bool isOurs = isHistory(lines.entries.first().value(baseName));
     for (const QJsonObject &entry : lines.entries) {
-        if (entry.value(successorName) == history) {
+        if (isHistory(entry.value(successorName))) {
             isOurs = true;
             entries.clear(); // the history has them
         } else if (!entry.contains(baseName) && !entry.contains(successorName)) {

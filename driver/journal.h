@@ -24,7 +24,7 @@
 class Journal
 {
 public:
-    /** Identifies the bytes of a history. */
+    /** Identifies the bytes of a history; no protection against whoever wants two to look alike. */
     static QByteArray digestOf(const QByteArray &history);
     /** The same for a file; empty for none. */
     static QByteArray digestOfFile(const QString &historyPath);
@@ -41,10 +41,11 @@ public:
     };
     /**
      * Reads the file, if there is one. What is appended later goes behind the last whole line.
+     * @param historyPath is read only for a journal with digests of the form of version 0.1
      * @param digest of the history as it is
      * @param entries gets the entries, oldest first
      */
-    Found open(const QByteArray &digest, QList<QJsonObject> &entries);
+    Found open(const QString &historyPath, const QByteArray &digest, QList<QJsonObject> &entries);
 
     /** Whether there is a file with lines. */
     bool exists() const;

@@ -241,7 +241,7 @@ private slots:
             // An end between the rename of a save and the removal of the journal.
             Journal copy(journal());
             QList<QJsonObject> entries;
-            QCOMPARE(copy.open(Journal::digestOfFile(m_path), entries), Journal::Found::Entries);
+            QCOMPARE(copy.open(m_path, Journal::digestOfFile(m_path), entries), Journal::Found::Entries);
             taskOf(first.controller, u"one"_s)->Progress = 8;
             first.controller.SaveToFile(m_folder->filePath(u"next"_s));
             next = contentOf(m_folder->filePath(u"next"_s));
@@ -259,6 +259,18 @@ private slots:
         const int progress =
             after.controller.count() == 0 ? 0 : taskOf(after.controller, u"one"_s)->Progress;
         QCOMPARE(progress, replays ? 7 : isKnown ? 8 : 0);
+    }
+
+    // Its digests were of another form.
+    void journalOfAnEarlierVersionCounts()
+    {
+        const QString earlier = QStringLiteral(VIDEODOWN_HISTORIES "/0.1.0");
+        QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
+        write(m_path, contentOf(earlier + u".xml"_s));
+        write(journal(), contentOf(earlier + u".journal"_s));
+        Application first(m_path);
+        QCOMPARE(first.keeper.setAsideJournal(), QString());
+        QCOMPARE(first.controller.getProgress(u"7F679DCC761CF3BA9A702EF3DFC2088C"_s), 55);
     }
 
     void leftoversAreTakenAway_data()
