@@ -66,7 +66,7 @@ private:
     const std::unique_ptr<XXH3_state_t, Deleter> m_state;
 };
 
-// As version 0.1 wrote it.
+// As journals had it before 0.1.0.
 QByteArray formerDigestOfFile(const QString &historyPath)
 {
     QFile file(historyPath);

@@ -41,7 +41,7 @@ public:
     };
     /**
      * Reads the file, if there is one. What is appended later goes behind the last whole line.
-     * @param historyPath is read only for a journal with digests of the form of version 0.1
+     * @param historyPath is read only for a journal that was written before 0.1.0
      * @param digest of the history as it is
      * @param entries gets the entries, oldest first
      */

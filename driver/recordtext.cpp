@@ -36,8 +36,7 @@ QJsonObject changes(const QStringList &before, const QStringList &now)
         if (!before.isEmpty() && before[at] == now[at])
             continue;
         const auto &name = names[std::size_t(at)];
-        (name.isOfProfile ? profile : info)
-            .insert(name.element, storedtexts::carryable(now[at]));
+        (name.isOfProfile ? profile : info).insert(name.element, now[at]);
     }
     if (!profile.isEmpty())
         info.insert(QStringLiteral("Profile"), profile);

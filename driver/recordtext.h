@@ -13,8 +13,8 @@ namespace recordtext {
 QJsonObject fieldsOf(const CXMLInfo &record);
 
 /**
- * The fields of `now` that `before` has otherwise, in the form that `fieldsOf` gives. Both are texts
- * of `storedtexts::of`; an empty `before` has none of them.
+ * The fields of `now` that `before` has otherwise, in the form that `fieldsOf` gives. Both are
+ * texts of `storedtexts::of`; an empty `before` has none of them.
  */
 QJsonObject changes(const QStringList &before, const QStringList &now);
 

@@ -137,12 +137,15 @@ QString randomText(QRandomGenerator &random)
 {
     QString text;
     for (int length = random.bounded(12); length > 0; --length) {
-        switch (random.bounded(5)) {
+        switch (random.bounded(6)) {
         case 0:
             text += QChar(ushort(random.bounded(0x80))); // control characters, NUL included
             break;
         case 1:
             text += QChar(ushort(random.bounded(0x10000))); // lone surrogates, U+FFFE
+            break;
+        case 4:
+            text += QChar(ushort(random.bounded(0xa1, 0x100)));
             break;
         case 2:
             text += QString::fromUcs4(&U"\U0001F600\U0010FFFF\U00020000"[random.bounded(3)], 1);
@@ -319,12 +322,16 @@ private slots:
         QCOMPARE(got, want);
     }
 
-    void skippedLocalTimeSurvives()
+    void oddDates()
     {
         // In Berlin the clock went from 1:59:59 to 3:00:00 on that day.
         CXMLHistory history;
         history.Add(nullptr)->DownLoadDate = QDateTime(QDate(2021, 3, 28), QTime(2, 30, 0));
+        history.item(0)->TaskCreateTime = QDateTime(QDate(10000, 1, 1), QTime(1, 2, 3));
+        history.item(0)->DownLoadStartTime = QDateTime(QDate(-1, 1, 1), QTime(1, 2, 3));
         history.SaveToFile(m_path);
+        QVERIFY(contentOf(m_path).contains("<TaskCreateTime></TaskCreateTime>"));
+        QVERIFY(contentOf(m_path).contains("<DownLoadStartTime></DownLoadStartTime>"));
         CXMLHistory loaded;
         loaded.LoadFromFile(m_path);
         loaded.SaveToFile(m_path);

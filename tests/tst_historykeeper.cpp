@@ -185,6 +185,7 @@ private slots:
         const QByteArray whole = contentOf(journal());
         const QList<QByteArray> lines = whole.split('\n'); // head, four changes, an empty one
         QCOMPARE(lines.size(), 6);
+        QVERIFY(lines.at(1).contains("\"Title\"") && !lines.at(2).contains("\"Title\""));
         const auto progressWith = [this](const QByteArray &bytes) {
             QFile::remove(m_path);
             write(journal(), bytes);
@@ -264,10 +265,10 @@ private slots:
     // Its digests were of another form.
     void journalOfAnEarlierVersionCounts()
     {
-        const QString earlier = QStringLiteral(VIDEODOWN_HISTORIES "/0.1.0");
+        const QString folder = QStringLiteral(VIDEODOWN_HISTORIES "/");
         QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
-        write(m_path, contentOf(earlier + u".xml"_s));
-        write(journal(), contentOf(earlier + u".journal"_s));
+        write(m_path, contentOf(folder + u"0.1.0.xml"_s));
+        write(journal(), contentOf(folder + u"early.journal"_s));
         Application first(m_path);
         QCOMPARE(first.keeper.setAsideJournal(), QString());
         QCOMPARE(first.controller.getProgress(u"7F679DCC761CF3BA9A702EF3DFC2088C"_s), 55);

@@ -255,8 +255,10 @@ private slots:
             QVERIFY(request.find("hOST") == std::string::npos);
             QVERIFY(request.find("Range") == std::string::npos);
         }
-        for (const std::string &request : other.requests())
+        for (const std::string &request : other.requests()) {
             QVERIFY(request.find("Cookie") == std::string::npos);
+            QVERIFY(request.find("Browser/1") == std::string::npos);
+        }
         const std::string own = "\r\nUser-Agent: Mozilla/5.0 (compatible; videodown/0.1)\r\n";
         QVERIFY(other.requests().last().find(own) != std::string::npos);
         const std::string referer = "\r\nReferer: http://h.example/a?b\r\n";

@@ -1,13 +1,12 @@
 // The text of a history file. It is what the DOM serializer would write for the same document, but
-// in linear time: that one escapes a text in place, which takes minutes for a hostile one, and again
-// at every save.
+// in linear time: that one escapes a text in place, which takes minutes for a hostile one, and
+// again at every save.
 #include "history/historyfile.h"
 
 #include "history/taskelement.h"
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -249,7 +248,7 @@ private:
 
     void value(float number)
     {
-        if (number == 0 && !std::signbit(number)) // nearly always, and texts of others take long
+        if (number == 0) // nearly always, and texts of others take long
             m_out.append("0");
         else
             m_out.appendText(taskelement::toText(number));
@@ -262,8 +261,7 @@ private:
         m_out.append("\n");
     }
 
-    const std::vector<Tags<CXMLInfo>> m_infoTags =
-        tagsOf(taskelement::infoFields(), fieldDepth);
+    const std::vector<Tags<CXMLInfo>> m_infoTags = tagsOf(taskelement::infoFields(), fieldDepth);
     const std::vector<Tags<Profile_Desc>> m_profileTags =
         tagsOf(taskelement::profileFields(), fieldDepth + 1);
     Output m_out;

@@ -41,8 +41,3 @@ QStringList storedtexts::of(const CXMLInfo &record)
     appendTexts(texts, *record.Profile->m_pDesc, taskelement::profileFields());
     return texts;
 }
-
-QString storedtexts::carryable(const QString &text)
-{
-    return taskelement::carryable(text);
-}

@@ -21,11 +21,9 @@ struct Name
 /** The names of the fields, in the order in which a history has them: those of the profile last. */
 const std::vector<Name> &names();
 
-/** The texts in the same order, as the record has them; `carryable` says what a history gets. */
+/** The texts in the same order, as the record has them: a history gets what XML can carry of them.
+ */
 QStringList of(const CXMLInfo &record);
-
-/** The text with U+FFFD in place of what XML cannot carry. */
-QString carryable(const QString &text);
 
 } // namespace storedtexts
 
