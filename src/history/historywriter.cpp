@@ -127,8 +127,7 @@ private:
     {
         const std::string_view bytes(utf8.constData(), std::size_t(utf8.size()));
         std::size_t from = 0;
-        for (std::size_t at = bytes.find_first_of("<&>\r"); at != std::string_view::npos;
-             at = bytes.find_first_of("<&>\r", at + 1)) {
+        for (std::size_t at = 0; at < bytes.size(); ++at) {
             const char *escape = escapeFor(bytes, at);
             if (escape == nullptr)
                 continue;
@@ -148,8 +147,10 @@ private:
             return "&amp;";
         case '\r':
             return "&#xd;";
+        case '>':
+            return at >= 2 && text[at - 1] == ']' && text[at - 2] == ']' ? "&gt;" : nullptr;
         default:
-            return at >= 2 && text.substr(at - 2, 2) == "]]" ? "&gt;" : nullptr;
+            return nullptr;
         }
     }
 
