@@ -242,7 +242,8 @@ private slots:
             // An end between the rename of a save and the removal of the journal.
             Journal copy(journal());
             QList<QJsonObject> entries;
-            QCOMPARE(copy.open(m_path, Journal::digestOfFile(m_path), entries), Journal::Found::Entries);
+            QCOMPARE(copy.open(m_path, Journal::digestOfFile(m_path), entries),
+                     Journal::Found::Entries);
             taskOf(first.controller, u"one"_s)->Progress = 8;
             first.controller.SaveToFile(m_folder->filePath(u"next"_s));
             next = contentOf(m_folder->filePath(u"next"_s));

@@ -51,9 +51,9 @@ QString shown(const QDateTime &when)
     if (!when.isValid())
         return {};
     std::array<char, 32> text;
-    const int size = std::snprintf(text.data(), text.size(), "%04d-%02d-%02d %02d:%02d",
-                                   date.year(), date.month(), date.day(), time.hour(),
-                                   time.minute());
+    const int size =
+        std::snprintf(text.data(), text.size(), "%04d-%02d-%02d %02d:%02d", date.year(),
+                      date.month(), date.day(), time.hour(), time.minute());
     return QString::fromLatin1(text.data(), size);
 }
 
