@@ -12,7 +12,6 @@
 #include <xxhash.h>
 
 #include <fcntl.h>
-#include <memory>
 #include <optional>
 #include <unistd.h>
 #include <utility>
@@ -43,27 +42,23 @@ std::optional<QJsonObject> entryIn(const QByteArray &line)
 class Digest
 {
 public:
-    Digest() : m_state(XXH3_createState()) { XXH3_128bits_reset(m_state.get()); }
+    Digest() { XXH3_128bits_reset(&m_state); }
 
     void add(const char *bytes, qint64 size)
     {
-        XXH3_128bits_update(m_state.get(), bytes, std::size_t(size));
+        XXH3_128bits_update(&m_state, bytes, std::size_t(size));
     }
 
     QByteArray result() const
     {
         XXH128_canonical_t bytes;
-        XXH128_canonicalFromHash(&bytes, XXH3_128bits_digest(m_state.get()));
+        XXH128_canonicalFromHash(&bytes, XXH3_128bits_digest(&m_state));
         return digestForm.data() +
                QByteArray(reinterpret_cast<const char *>(bytes.digest), sizeof bytes).toHex();
     }
 
 private:
-    struct Deleter
-    {
-        void operator()(XXH3_state_t *state) const { XXH3_freeState(state); }
-    };
-    const std::unique_ptr<XXH3_state_t, Deleter> m_state;
+    XXH3_state_t m_state;
 };
 
 // As journals had it before 0.1.0.

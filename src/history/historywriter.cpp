@@ -59,26 +59,18 @@ std::vector<Year> groupByDate(const QList<CXMLInfo *> &tasks)
     return years;
 }
 
-// What texts consist of, at worst.
-enum class Units {
-    Plain, // stand in XML as they are
-    Ascii,
-    Others,
-};
-
-// As bytes. Without a way out of the loop, so that compilers take many units at once.
-Units narrow(QStringView text, char *out)
+// Makes bytes of a text; false for one that XML cannot have as it is. Without a way out of the
+// loop, so that compilers take many units at once.
+bool narrow(QStringView text, char *out)
 {
     unsigned others = 0;
-    unsigned notPlain = 0;
     for (const QChar character : text) {
         const unsigned unit = character.unicode();
-        others |= unsigned(unit > 0x7f);
-        notPlain |= unsigned(unit < 0x20) | unsigned(unit == '<') | unsigned(unit == '&') |
-                    unsigned(unit == '>');
+        others |= unsigned(unit < 0x20) | unsigned(unit > 0x7f) | unsigned(unit == '<') |
+                  unsigned(unit == '&') | unsigned(unit == '>');
         *out++ = char(unit);
     }
-    return others != 0 ? Units::Others : notPlain != 0 ? Units::Ascii : Units::Plain;
+    return others == 0;
 }
 
 // Bytes that grow at their end.
@@ -100,8 +92,7 @@ public:
 
     void appendText(const QString &text)
     {
-        const Units units = narrow(text, room(std::size_t(text.size())));
-        if (units == Units::Plain)
+        if (narrow(text, room(std::size_t(text.size()))))
             m_size += text.size();
         else
             appendEscaped(taskelement::carryable(text).toUtf8());
@@ -158,27 +149,6 @@ private:
     qsizetype m_size = 0;
 };
 
-template <typename Record>
-struct Tags
-{
-    typename taskelement::Field<Record>::Member member;
-    std::string begin; // with its indentation
-    std::string end;
-};
-
-template <typename Record>
-std::vector<Tags<Record>> tagsOf(const std::vector<taskelement::Field<Record>> &fields, int depth)
-{
-    std::vector<Tags<Record>> tags;
-    for (const auto &field : fields) {
-        const std::string name(field.name.data(), std::size_t(field.name.size()));
-        tags.push_back({field.member,
-                        std::string(std::size_t(depth * indentation), ' ') + '<' + name + '>',
-                        "</" + name + ">\n"});
-    }
-    return tags;
-}
-
 class Writer
 {
 public:
@@ -195,8 +165,6 @@ public:
     }
 
 private:
-    static constexpr int fieldDepth = 5; // the root, a year, a month, a day, and "Info"
-
     void year(const Year &year) { group("year", year.id, year.months, &Writer::month); }
     void month(const Month &month) { group("month", month.id, month.days, &Writer::day); }
     void day(const Day &day) { group("day", day.id, day.tasks, &Writer::task); }
@@ -223,21 +191,22 @@ private:
     {
         line("<Info>");
         ++m_depth;
-        fields(*task, m_infoTags);
+        fields(*task, taskelement::infoFields(), taskelement::infoTags());
         line("<Profile>");
-        fields(*task->Profile->m_pDesc, m_profileTags);
+        fields(*task->Profile->m_pDesc, taskelement::profileFields(), taskelement::profileTags());
         line("</Profile>");
         --m_depth;
         line("</Info>");
     }
 
     template <typename Record>
-    void fields(const Record &record, const std::vector<Tags<Record>> &tags)
+    void fields(const Record &record, const std::vector<taskelement::Field<Record>> &fields,
+                const std::vector<taskelement::Tags> &tags)
     {
-        for (const auto &tag : tags) {
-            m_out.append(tag.begin);
-            std::visit([&](auto member) { value(record.*member); }, tag.member);
-            m_out.append(tag.end);
+        for (std::size_t at = 0; at < fields.size(); ++at) {
+            m_out.append(tags[at].begin);
+            std::visit([&](auto member) { value(record.*member); }, fields[at].member);
+            m_out.append(tags[at].end);
         }
     }
 
@@ -262,9 +231,6 @@ private:
         m_out.append("\n");
     }
 
-    const std::vector<Tags<CXMLInfo>> m_infoTags = tagsOf(taskelement::infoFields(), fieldDepth);
-    const std::vector<Tags<Profile_Desc>> m_profileTags =
-        tagsOf(taskelement::profileFields(), fieldDepth + 1);
     Output m_out;
     int m_depth = 0;
 };

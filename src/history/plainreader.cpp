@@ -9,35 +9,9 @@
 
 namespace {
 
-// What stands before and behind the text of a field.
-struct Tags
-{
-    std::string begin;
-    std::string end;
-};
-
-template <typename Record>
-std::vector<Tags> tagsOf(const std::vector<taskelement::Field<Record>> &fields, std::size_t indent)
-{
-    std::vector<Tags> tags;
-    for (const auto &field : fields) {
-        const std::string name(field.name.data(), std::size_t(field.name.size()));
-        tags.push_back({std::string(indent, ' ') + '<' + name + '>', "</" + name + ">\n"});
-    }
-    return tags;
-}
-
-const std::vector<Tags> &infoTags()
-{
-    static const std::vector<Tags> tags = tagsOf(taskelement::infoFields(), 15);
-    return tags;
-}
-
-const std::vector<Tags> &profileTags()
-{
-    static const std::vector<Tags> tags = tagsOf(taskelement::profileFields(), 18);
-    return tags;
-}
+using taskelement::infoTags;
+using taskelement::profileTags;
+using taskelement::Tags;
 
 // The lines around the children of root, year, month and day. A group's number follows its begin.
 struct Level

@@ -82,6 +82,17 @@ QDateTime localTime(QDate date, QTime time)
     return value;
 }
 
+template <typename Record>
+std::vector<Tags> tagsOf(const std::vector<Field<Record>> &fields, std::size_t indentation)
+{
+    std::vector<Tags> tags;
+    for (const auto &field : fields) {
+        const std::string name(field.name.data(), std::size_t(field.name.size()));
+        tags.push_back({std::string(indentation, ' ') + '<' + name + '>', "</" + name + ">\n"});
+    }
+    return tags;
+}
+
 } // namespace
 
 // "yyyy-M-d h:m:s". Parsed here rather than by QDateTime, which calls a time invalid that the local
@@ -174,6 +185,18 @@ const std::vector<Field<Profile_Desc>> &profileFields()
         FIELD(Profile_Desc, pspTitle),
     };
     return fields;
+}
+
+const std::vector<Tags> &infoTags()
+{
+    static const std::vector<Tags> tags = tagsOf(infoFields(), 15);
+    return tags;
+}
+
+const std::vector<Tags> &profileTags()
+{
+    static const std::vector<Tags> tags = tagsOf(profileFields(), 18);
+    return tags;
 }
 
 QString toText(const QString &value)

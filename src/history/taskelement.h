@@ -6,6 +6,7 @@
 
 #include <array>
 #include <bitset>
+#include <string>
 #include <string_view>
 #include <variant>
 #include <vector>
@@ -26,6 +27,19 @@ struct Field
 const std::vector<Field<CXMLInfo>> &infoFields();
 /** The fields of a "Profile" element in writing order. */
 const std::vector<Field<Profile_Desc>> &profileFields();
+
+/** What stands before and behind the text of a field in a history, with indentation and line end.
+ */
+struct Tags
+{
+    std::string begin;
+    std::string end;
+};
+
+/** Those of `infoFields`, in the same order. */
+const std::vector<Tags> &infoTags();
+/** Those of `profileFields`, in the same order. */
+const std::vector<Tags> &profileTags();
 
 /** The text with U+FFFD in place of what XML 1.0 (section 2.2) cannot carry. Shares good texts. */
 QString carryable(const QString &text);
