@@ -2,11 +2,26 @@
 
 #include "history/plainreader.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QThread>
+
+namespace historyfile {
+
+/**
+ * QMessageBox::information(), by the name that linkers know: null in a program without Qt Widgets.
+ * Only one that has them can show a box, and no other should have to load, or install, what a
+ * display needs.
+ */
+[[gnu::weak]] QMessageBox::StandardButton showInformation(
+    QWidget *parent, const QString &title, const QString &text,
+    QMessageBox::StandardButtons buttons,
+    QMessageBox::StandardButton defaultButton) __asm__("_ZN11QMessageBox11informationEP7QWidgetRK7Q"
+                                                       "StringS4_6QFlagsINS_14StandardButtonEES6_");
+
+} // namespace historyfile
 
 bool historyfile::exists(const QString &path)
 {
@@ -16,11 +31,13 @@ bool historyfile::exists(const QString &path)
 void historyfile::announceMissing()
 {
     // Without a QApplication a box ends the program, and off its thread it hangs.
-    const auto *application = qobject_cast<QApplication *>(QCoreApplication::instance());
-    if (application == nullptr || application->thread() != QThread::currentThread())
+    const QCoreApplication *application = QCoreApplication::instance();
+    if (application == nullptr || !application->inherits("QApplication") ||
+        application->thread() != QThread::currentThread() || showInformation == nullptr)
         return;
-    QMessageBox::information(nullptr, QStringLiteral("information"),
-                             QStringLiteral("XML File does not exist!"), QMessageBox::Ok);
+    showInformation(nullptr, QStringLiteral("information"),
+                    QStringLiteral("XML File does not exist!"), QMessageBox::Ok,
+                    QMessageBox::NoButton);
 }
 
 historyfile::Loaded historyfile::load(const QString &path, CXMLHistory *history)
