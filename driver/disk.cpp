@@ -75,6 +75,18 @@ bool isTaken(const QString &path)
     return file.exists() || file.isSymLink();
 }
 
+bool isSamePath(const QString &one, const QString &other)
+{
+    if (one == other)
+        return true;
+    const QFileInfo file(one);
+    const QFileInfo otherFile(other);
+    if (file.fileName() != otherFile.fileName())
+        return false;
+    const QString folder = QFileInfo(file.path()).canonicalFilePath();
+    return !folder.isEmpty() && folder == QFileInfo(otherFile.path()).canonicalFilePath();
+}
+
 void removeIfEmpty(const QString &path)
 {
     const QFileInfo file(path);

@@ -15,7 +15,7 @@ enum class OnConflict {
     Rename, ///< the video gets a number
     Skip,   ///< it is not downloaded
     /** It has a number until it is complete, and then takes the place of the file. Not of a file of
-     * another task of the list, nor of one that is still being downloaded: then it keeps its
+     * another task of the list, nor under the name of an unfinished download: then it keeps its
      * number. */
     Overwrite,
 };

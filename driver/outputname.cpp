@@ -1,6 +1,5 @@
 #include "driver/outputname.h"
 
-#include "down/cdown.h"
 #include "driver/disk.h"
 #include "driver/plaintext.h"
 #include "driver/taskrecord.h"
@@ -11,6 +10,7 @@
 #include <QFileInfo>
 #include <QStorageInfo>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -79,12 +79,18 @@ OutputName nameOf(const OutputPlace &place, const QString &base)
                                 : QString()};
 }
 
+bool isFree(const OutputPlace &place, const OutputName &name)
+{
+    return !disk::isTaken(name.video) && !place.claimed.contains(name.video) &&
+           (name.copy.isEmpty() || !disk::isTaken(name.copy)) &&
+           !(place.isAwaited && place.isAwaited(name.video));
+}
+
 OutputName freeName(const OutputPlace &place)
 {
     const OutputName plain = plainName(place);
     OutputName name = plain;
-    for (int n = 0; disk::isTaken(name.video) || place.claimed.contains(name.video) ||
-                    (!name.copy.isEmpty() && disk::isTaken(name.copy));)
+    for (int n = 0; !isFree(place, name);)
         name = nameOf(place, plain.title + u'_' + QString::number(n++));
     return name;
 }
@@ -102,6 +108,16 @@ void abandonOwn(const OutputPlace &place)
 }
 
 } // namespace
+
+bool isAwaited(CDown &controller, const QString &key, const QString &path,
+               const UnfinishedFiles &unfinished)
+{
+    const ControllerLock lock;
+    const auto &all = controller.m_pHistory->m_InfoList;
+    return std::any_of(all.cbegin(), all.cend(), [&](const CXMLInfo *record) {
+        return record->MD5Code != key && taskrecord::isToContinueAt(*record, path, unfinished);
+    });
+}
 
 std::variant<OutputName, FailureReason> chooseOutputName(const OutputPlace &place)
 {

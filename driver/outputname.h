@@ -2,6 +2,7 @@
 #ifndef VIDEODOWN_DRIVER_OUTPUTNAME_H
 #define VIDEODOWN_DRIVER_OUTPUTNAME_H
 
+#include "down/cdown.h"
 #include "driver/downloadtask.h"
 #include "driver/taskrecord.h"
 #include "engine/visibility.h"
@@ -9,6 +10,7 @@
 #include <QSet>
 #include <QString>
 
+#include <functional>
 #include <optional>
 #include <variant>
 
@@ -35,7 +37,19 @@ struct OutputPlace
     qint64 ownSize = 0;     ///< bytes of these files when they are complete
     QSet<QString> claimed;  ///< paths of videos that are about to be reserved
     UnfinishedFiles unfinished;
+    /** Whether another task awaits this path, see `isAwaited`; may be empty. */
+    std::function<bool(const QString &path)> isAwaited;
 };
+
+/**
+ * Whether a task other than that of `key` would continue a download to `path`: it would lose what
+ * has arrived if anything else got this name. Takes the controller lock.
+ * @param unfinished which files the engine leaves of an unfinished download; may be empty
+ *
+ * Public for the command's dry run.
+ */
+VIDEODOWN_PUBLIC bool isAwaited(CDown &controller, const QString &key, const QString &path,
+                                const UnfinishedFiles &unfinished);
 
 /**
  * The library makes names unique in the downloads folder, but copies over whatever has the same

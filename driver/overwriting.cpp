@@ -11,23 +11,16 @@ namespace overwriting {
 
 namespace {
 
-// Folders have many names, by links.
-bool isSameFile(const QString &one, const QString &other)
-{
-    const auto nameOf = [](const QString &path) { return path.mid(path.lastIndexOf(u'/') + 1); };
-    return one == other ||
-           (nameOf(one) == nameOf(other) && disk::isTaken(one) &&
-            QFileInfo(one).canonicalFilePath() == QFileInfo(other).canonicalFilePath());
-}
-
-// A task that failed or was stopped gives its name up, if somebody else has it by then.
+// A task that failed or was stopped gives its name up, if somebody else has it by then; and one
+// that is finished, if its file is gone.
 bool isFileOf(const CXMLInfo &record, const QString &path)
 {
-    if (!taskrecord::isInterrupted(record) && taskrecord::stateOf(record) != TaskState::Finished)
+    const bool isFinished = taskrecord::stateOf(record) == TaskState::Finished;
+    if (!taskrecord::isInterrupted(record) && !(isFinished && disk::isTaken(path)))
         return false;
     const bool hasCopy = record.IsOrgVideo == 1 || !record.ConvertionDesc.isEmpty();
-    return isSameFile(record.FileName, path) ||
-           (hasCopy && isSameFile(record.SaveAsFileName, path));
+    return disk::isSamePath(record.FileName, path) ||
+           (hasCopy && disk::isSamePath(record.SaveAsFileName, path));
 }
 
 bool isFileOfAnother(CDown &controller, const QString &key, const QString &path)
@@ -44,15 +37,13 @@ bool isFileOfAnother(CDown &controller, const QString &key, const QString &path)
 std::optional<QString> obstacle(CDown &controller, const QString &key, const QString &path,
                                 const UnfinishedFiles &unfinished)
 {
-    if (!disk::isTaken(path))
-        return std::nullopt;
-    if (QFileInfo(path).isSymLink() || !QFileInfo(path).isFile())
+    if (disk::isTaken(path) && (QFileInfo(path).isSymLink() || !QFileInfo(path).isFile()))
         return Texts::tr("\"%1\" is not a file").arg(path);
     if (isFileOfAnother(controller, key, path))
         return Texts::tr("\"%1\" is the file of another task").arg(path);
     const QStringList parts = unfinished ? unfinished(path) : QStringList();
     if (std::any_of(parts.begin(), parts.end(), disk::isTaken))
-        return Texts::tr("\"%1\" is still being downloaded").arg(path);
+        return Texts::tr("\"%1\" is the name of an unfinished download").arg(path);
     return std::nullopt;
 }
 

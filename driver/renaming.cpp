@@ -1,6 +1,7 @@
 #include "driver/renaming.h"
 
 #include "driver/disk.h"
+#include "driver/outputname.h"
 #include "driver/plaintext.h"
 #include "driver/taskrecord.h"
 #include "driver/texts.h"
@@ -73,7 +74,8 @@ bool renameFiles(CDown &controller, const Renaming &names)
 
 } // namespace
 
-QString renameTask(CDown &controller, const QString &key, const QString &name)
+QString renameTask(CDown &controller, const QString &key, const QString &name,
+                   const UnfinishedFiles &unfinished)
 {
     Renaming names;
     {
@@ -85,6 +87,8 @@ QString renameTask(CDown &controller, const QString &key, const QString &name)
         QString why = obstacle(*record, names);
         if (!why.isEmpty())
             return why;
+        if (isAwaited(controller, key, names.newVideo, unfinished))
+            return Texts::tr("\"%1\" is the name of an unfinished download").arg(names.newVideo);
     }
     if (renameFiles(controller, names))
         return {};

@@ -46,6 +46,9 @@ std::optional<OutputPlace> Dispatcher::placeFor(Task &task, PictureSize &offered
     place.copyFolder = request.outputFolder;
     place.copies = request.keepSource;
     place.unfinished = m_settings.unfinishedFiles;
+    place.isAwaited = [this, key = task.key](const QString &path) {
+        return ::isAwaited(controller(), key, path, m_settings.unfinishedFiles);
+    };
     for (const Task *other : m_tasks.in(Stage::Named))
         place.claimed.insert(other->name->video);
     const ControllerLock lock;

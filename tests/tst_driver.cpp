@@ -4,6 +4,7 @@
 
 #include "driver/outputname.h"
 #include "driver/plaintext.h"
+#include "driver/renaming.h"
 #include "strutil/narrowtext.h"
 
 #include <QTest>
@@ -468,7 +469,10 @@ private slots:
         row("gone meanwhile", OnConflict::Overwrite, "file gone", plain, "");
         row("another task's", OnConflict::Overwrite, "file task", numbered, "of another task");
         row("by another name", OnConflict::Overwrite, "file task link", numbered, "of another");
-        row("at work elsewhere", OnConflict::Overwrite, "file part", numbered, "still being");
+        row("at work elsewhere", OnConflict::Overwrite, "file part", numbered, "unfinished");
+        row("resumed later", OnConflict::Rename, "part waits", numbered, "");
+        row("to be resumed", OnConflict::Overwrite, "part waits", numbered, "unfinished");
+        row("to be begun", OnConflict::Overwrite, "file waits gone", numbered, "of another");
         row("folder", OnConflict::Overwrite, "folder", numbered, "not a file");
         row("link", OnConflict::Overwrite, "link", numbered, "not a file");
     }
@@ -501,6 +505,13 @@ private slots:
             QVERIFY(QFile::link(f.root.filePath(u"dl"_s), f.root.filePath(u"link"_s)));
             other->FileName =
                 present.contains(u"link"_s) ? f.root.filePath(u"link/Clip 1.mp4"_s) : taken;
+        }
+        if (present.contains(u"waits"_s)) {
+            const ControllerLock lock;
+            CXMLInfo *other = f.driver->controller().m_pHistory->Add(nullptr);
+            other->State =
+                int(present.contains(u"part"_s) ? TaskState::Stopped : TaskState::Waiting);
+            other->FileName = taken;
         }
         DownloadRequest request;
         request.address = f.url(1);
@@ -539,8 +550,27 @@ private slots:
         QVERIFY2(told.isEmpty() ? result.notOverwritten.isEmpty()
                                 : result.notOverwritten.contains(told),
                  qPrintable(result.notOverwritten));
-        if (present.startsWith(u"file"_s) && name != u"Clip 1"_s)
+        if (present.startsWith(u"file"_s) && name != u"Clip 1"_s && !present.endsWith(u"gone"_s))
             QCOMPARE(TaskFixture::read(taken), "theirs");
+    }
+
+    void nameToBeResumedIsNotGiven()
+    {
+        DriverFixture f;
+        const QString key = f.running(1);
+        f.finish(key);
+        f.turn();
+        CDown &controller = f.driver->controller();
+        CXMLInfo *other = controller.m_pHistory->Add(nullptr);
+        other->FileName = f.root.filePath(u"dl/Other.mp4"_s);
+        other->State = int(TaskState::Stopped);
+        const QString part = other->FileName + u".part"_s;
+        const auto parts = [&part](const QString &) { return QStringList{part}; };
+        TaskFixture::write(part, "begun");
+        QVERIFY(renameTask(controller, key, u"Other"_s, parts).contains(u"unfinished"_s));
+        QVERIFY(QFile::remove(part));
+        QCOMPARE(renameTask(controller, key, u"Other"_s, parts), QString());
+        QVERIFY(QFile::exists(other->FileName));
     }
 
     // What was in the list before stays there, as it was.

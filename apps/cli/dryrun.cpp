@@ -101,6 +101,10 @@ private:
         place.copyFolder = m_output;
         place.copies = m_line.keepSource;
         place.claimed = m_claimed;
+        place.isAwaited = [this, &result](const QString &path) {
+            return isAwaited(m_session.driver().controller(), result.key, path,
+                             commandhistory::unfinishedFiles);
+        };
         const ControllerLock lock;
         if (const CXMLInfo *record = m_session.driver().controller().getXMLInfo(result.key)) {
             plan.bytes = record->FileSize;

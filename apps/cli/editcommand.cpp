@@ -62,7 +62,8 @@ ExitStatus runRename(const CommandLine &line)
     const QString key = commandhistory::keyOf(history.controller, line);
     if (key.isEmpty())
         return {ExitFailed, 0};
-    const QString problem = renameTask(history.controller, key, line.newName);
+    const QString problem =
+        renameTask(history.controller, key, line.newName, commandhistory::unfinishedFiles);
     if (!problem.isEmpty())
         refuse(problem);
     return {commandhistory::save(history.keeper) && problem.isEmpty() ? ExitDone : ExitFailed, 0};

@@ -84,7 +84,7 @@ void Worker::rename(const QString &key, const QString &name)
 {
     if (isReadOnly())
         return;
-    const QString problem = renameTask(m_session->controller(), key, name);
+    const QString problem = renameTask(m_session->controller(), key, name, unfinishedFiles);
     if (!problem.isEmpty())
         emit message(tr("The video cannot be renamed: %1").arg(problem));
     m_session->keeper()->commit({key});

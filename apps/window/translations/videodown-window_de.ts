@@ -1176,8 +1176,8 @@ Die Fassung davor, falls es eine gab, liegt daneben, mit angehängtem „.previo
         <translation>„%1“ ist die Datei einer anderen Aufgabe</translation>
     </message>
     <message>
-        <source>&quot;%1&quot; is still being downloaded</source>
-        <translation>„%1“ wird noch heruntergeladen</translation>
+        <source>&quot;%1&quot; is the name of an unfinished download</source>
+        <translation>„%1“ ist der Name eines unvollständigen Downloads</translation>
     </message>
     <message>
         <source>the site has no video info (%1), and %2, which might know the page, is not installed</source>
