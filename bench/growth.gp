@@ -8,7 +8,7 @@ set format y '10^{%L}'
 set grid
 set key top left
 set rmargin 6
-plot for [name in 'controller list load'] '< sort -g '.folder.'/growth-'.name.'.tsv' \
+plot for [name in 'controller list loading'] '< sort -g '.folder.'/growth-'.name.'.tsv' \
     using 1:2 with linespoints linewidth 2 pointtype 7 \
     title name eq 'controller' ? 'controller, one task' : \
           name eq 'list' ? 'videodown list' : 'loading the history'
