@@ -334,12 +334,16 @@ private slots:
         QSettings stored(u"videodown"_s, u"window"_s);
         stored.setValue(u"folders/output"_s, u"relative"_s);
         stored.setValue(u"downloads/limit"_s, u"1000"_s);
+        stored.setValue(u"downloads/connections"_s, 9);
+        stored.setValue(u"downloads/rateLimit"_s, -1);
         stored.setValue(u"format/width"_s, -5);
         stored.setValue(u"proxy/type"_s, 9);
         stored.setValue(u"proxy/port"_s, u"x"_s);
         Settings settings = Settings::load(stored);
         QVERIFY(QDir::isAbsolutePath(settings.outputFolder));
         QCOMPARE(settings.videoLimit, 3);
+        QCOMPARE(settings.connections, 3);
+        QCOMPARE(settings.rateLimit, 0);
         QCOMPARE(settings.width, 0);
         QCOMPARE(settings.proxy.type, ProxySettings::Type::None);
         QCOMPARE(settings.proxy.port, 8080);

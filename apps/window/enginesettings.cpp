@@ -31,6 +31,8 @@ QStringList unfinishedFiles(const QString &path)
 void configureEngine(const Settings &settings)
 {
     taskengine::Options options = taskengine::options();
+    options.connections = settings.connections;
+    options.rateLimit = std::size_t(settings.rateLimit) * 1024;
     options.videoInfoCommand.clear();
     options.fallbackCommand.clear();
     const QString extractor = settings.asksExtractor() ? extractor::findProgram() : QString();

@@ -52,6 +52,8 @@ Settings Settings::load(const QSettings &stored)
     settings.outputFolder = folder(stored, "folders/output", defaultFolder());
     settings.downloadFolder = folder(stored, "folders/downloads", {});
     settings.videoLimit = number(stored, "downloads/limit", 1, maxVideoLimit, 3);
+    settings.connections = number(stored, "downloads/connections", 1, maxConnections, 3);
+    settings.rateLimit = number(stored, "downloads/rateLimit", 1, maxRateLimit, 0);
     settings.thumbnails = flag(stored, "downloads/thumbnails", true);
     settings.extension = text(stored, "format/extension");
     settings.width = number(stored, "format/width", 1, largestSide, 0);
@@ -77,14 +79,15 @@ Settings Settings::load(const QSettings &stored)
 void Settings::save(QSettings &stored) const
 {
     const std::initializer_list<std::pair<const char *, QVariant>> values{
-        {"folders/output", outputFolder}, {"folders/downloads", downloadFolder},
-        {"downloads/limit", videoLimit},  {"downloads/thumbnails", thumbnails},
-        {"format/extension", extension},  {"format/width", width},
-        {"format/height", height},        {"format/keepSource", keepSource},
-        {"format/convert", convert},      {"proxy/type", int(proxy.type)},
-        {"proxy/host", proxy.host},       {"proxy/port", proxy.port},
-        {"proxy/user", proxy.user},       {"site/videoInfoCommand", videoInfoCommand},
-        {"look/trayIcon", trayIcon},      {"look/notify", notify}};
+        {"folders/output", outputFolder},   {"folders/downloads", downloadFolder},
+        {"downloads/limit", videoLimit},    {"downloads/connections", connections},
+        {"downloads/rateLimit", rateLimit}, {"downloads/thumbnails", thumbnails},
+        {"format/extension", extension},    {"format/width", width},
+        {"format/height", height},          {"format/keepSource", keepSource},
+        {"format/convert", convert},        {"proxy/type", int(proxy.type)},
+        {"proxy/host", proxy.host},         {"proxy/port", proxy.port},
+        {"proxy/user", proxy.user},         {"site/videoInfoCommand", videoInfoCommand},
+        {"look/trayIcon", trayIcon},        {"look/notify", notify}};
     for (const auto &[key, value] : values)
         stored.setValue(QLatin1String(key), value);
 }

@@ -24,9 +24,14 @@ struct ProxySettings
 /** A plain value. */
 struct Settings
 {
+    static constexpr int maxConnections = 8;
+    static constexpr int maxRateLimit = 1000000;
+
     QString outputFolder;    ///< absolute; never empty after `load`
     QString downloadFolder;  ///< absolute; empty: the output folder
     int videoLimit = 3;      ///< 1 to maxVideoLimit
+    int connections = 3;     ///< most for one video, 1 to maxConnections
+    int rateLimit = 0;       ///< KiB per second for all transfers together; 0: none
     QString extension;       ///< wanted container; empty: any
     int width = 0;           ///< wanted picture, pixels; 0: the largest
     int height = 0;          ///< pixels

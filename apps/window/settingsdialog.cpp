@@ -22,6 +22,8 @@ struct SettingsDialog::Widgets
     QCheckBox *thumbnails;
     QCheckBox *notify;
     QCheckBox *tray;
+    QSpinBox *connections;
+    QSpinBox *rateLimit;
     QComboBox *proxyType;
     QLineEdit *host;
     QSpinBox *port;
@@ -63,6 +65,18 @@ QWidget *SettingsDialog::Widgets::makeNetwork(const Settings &settings, bool kee
 {
     auto *page = new QWidget;
     auto *form = new QFormLayout(page);
+    connections = new QSpinBox;
+    connections->setRange(1, Settings::maxConnections);
+    connections->setValue(settings.connections);
+    form->addRow(SettingsDialog::tr("&Connections for each video:"), connections);
+    rateLimit = new QSpinBox;
+    rateLimit->setRange(0, Settings::maxRateLimit);
+    rateLimit->setSingleStep(100);
+    rateLimit->setSuffix(SettingsDialog::tr(" KiB/s"));
+    rateLimit->setSpecialValueText(SettingsDialog::tr("No limit"));
+    rateLimit->setValue(settings.rateLimit);
+    rateLimit->setToolTip(SettingsDialog::tr("For all downloads together"));
+    form->addRow(SettingsDialog::tr("&Speed limit:"), rateLimit);
     proxyType = new QComboBox;
     proxyType->addItems({SettingsDialog::tr("None"), QStringLiteral("HTTP"),
                          QStringLiteral("SOCKS5"),
@@ -140,6 +154,8 @@ Settings SettingsDialog::settings() const
     settings.thumbnails = m_widgets->thumbnails->isChecked();
     settings.notify = m_widgets->notify->isChecked();
     settings.trayIcon = m_widgets->tray->isChecked();
+    settings.connections = m_widgets->connections->value();
+    settings.rateLimit = m_widgets->rateLimit->value();
     settings.proxy.type = ProxySettings::Type(m_widgets->proxyType->currentIndex() - 1);
     settings.proxy.host = m_widgets->host->text().trimmed();
     settings.proxy.port = m_widgets->port->value();

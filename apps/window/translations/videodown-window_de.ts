@@ -757,6 +757,26 @@ Die Fassung davor, falls es eine gab, liegt daneben, mit angehängtem „.previo
         <source>Download &amp;thumbnails</source>
         <translation>&amp;Vorschaubilder herunterladen</translation>
     </message>
+    <message>
+        <source>&amp;Connections for each video:</source>
+        <translation>&amp;Verbindungen je Video:</translation>
+    </message>
+    <message>
+        <source> KiB/s</source>
+        <translation> KiB/s</translation>
+    </message>
+    <message>
+        <source>No limit</source>
+        <translation>Unbegrenzt</translation>
+    </message>
+    <message>
+        <source>For all downloads together</source>
+        <translation>Für alle Downloads zusammen</translation>
+    </message>
+    <message>
+        <source>&amp;Speed limit:</source>
+        <translation>&amp;Tempo höchstens:</translation>
+    </message>
 </context>
 <context>
     <name>TaskModel</name>
