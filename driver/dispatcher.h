@@ -125,6 +125,7 @@ private:
     FailureReason parseReason(const Task &task, double code) const;
     FailureReason reasonFor(const Task &task, double code) const;
     void endPresent(Task &task);
+    void dropUnfinished(const QString &key);
     void endFailed(Task &task, const FailureReason &reason);
     void endStopped(Task &task);
     void end(Task &task, DownloadResult result);

@@ -2,6 +2,7 @@
 #include "driver/dispatcher.h"
 
 #include "driver/extractor.h"
+#include "driver/leftovers.h"
 #include "driver/outputname.h"
 #include "driver/taskrecord.h"
 #include "driver/texts.h"
@@ -171,6 +172,8 @@ void Dispatcher::finished(Task &task)
         endFailed(task, *reason);
         return;
     }
+    if (task.stage == Stage::Copying)
+        dropUnfinished(task.key);
     DownloadResult result;
     result.outcome = DownloadOutcome::Finished;
     if (task.wanted)
@@ -231,15 +234,19 @@ void Dispatcher::endPresent(Task &task)
 {
     DownloadResult result;
     result.outcome = DownloadOutcome::Finished;
+    bool hasEnded = true;
     {
         const ControllerLock lock;
         if (const CXMLInfo *record = controller().getXMLInfo(task.key)) {
+            hasEnded = taskrecord::stateOf(*record) == TaskState::Finished;
             task.progress.title = record->Title;
             result.path = taskrecord::outputPath(*record);
             result.seconds = record->Duration;
         }
     }
     if (!task.request.inspectOnly) {
+        if (!hasEnded)
+            dropUnfinished(task.key);
         end(task, result);
     } else if (task.offer.formats().isEmpty()) {
         endFailed(task, {Texts::tr("the video is in the list, but the site has not yet said "
@@ -250,6 +257,15 @@ void Dispatcher::endPresent(Task &task)
         result.path.clear();
         end(task, result);
     }
+}
+
+// Of a download that was to replace the video, and was stopped: the video is whole, so nobody
+// continues that.
+void Dispatcher::dropUnfinished(const QString &key)
+{
+    const QString video = filesOf(key).video;
+    if (m_settings.unfinishedFiles && !video.isEmpty())
+        leftovers::remove({{}, m_settings.unfinishedFiles(video), {}, {}});
 }
 
 void Dispatcher::endFailed(Task &task, const FailureReason &reason)

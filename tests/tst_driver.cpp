@@ -554,6 +554,29 @@ private slots:
             QCOMPARE(TaskFixture::read(taken), "theirs");
     }
 
+    // What a stopped repetition left goes when the video turns out to be there, and its copy or
+    // not.
+    void whatNobodyContinuesGoes()
+    {
+        for (const bool copies : {false, true}) {
+            DriverFixture f;
+            const QString key = f.running(1, copies);
+            f.finish(key);
+            f.turn();
+            const CDown &controller = f.driver->controller();
+            CXMLInfo &record = *controller.m_pHistory->m_InfoList.first();
+            record.State = int(TaskState::Stopped);
+            record.FileSize = 5;
+            TaskFixture::write(record.FileName + u".part"_s, "begun");
+            QVERIFY(!copies || QFile::remove(record.SaveAsFileName));
+            f.add(f.url(1), copies);
+            QTRY_COMPARE(f.results.size(), 2);
+            QCOMPARE(f.results.last().outcome, DownloadOutcome::Finished);
+            QVERIFY(!QFile::exists(record.FileName + u".part"_s));
+            QVERIFY(!copies || QFile::exists(record.SaveAsFileName));
+        }
+    }
+
     void nameToBeResumedIsNotGiven()
     {
         DriverFixture f;
