@@ -29,13 +29,6 @@ CXMLInfo *newRecord(const QString &key, const DownloadRequest &request)
     return record;
 }
 
-void setWishes(CXMLInfo &record, const DownloadRequest &request)
-{
-    record.SaveAsPath = request.outputFolder;
-    record.IsOrgVideo = request.keepSource ? 1 : 0;
-    *record.Profile->m_pDesc = request.profile;
-}
-
 } // namespace
 
 // Where the task begins its way.
@@ -52,9 +45,9 @@ Stage Dispatcher::enlist(Task &task)
         return Stage::Present;
     if (record == nullptr)
         record = controller().m_pHistory->Add(newRecord(task.key, request));
-    else if (!taskrecord::isInterrupted(*record) || !record->FileName.isEmpty())
-        task.former = taskrecord::stateOf(*record); // else it was never begun
-    setWishes(*record, request);
+    else if (!taskrecord::isInterrupted(*record) || !record->FileName.isEmpty()) // it was begun
+        task.former = {taskrecord::stateOf(*record), taskrecord::requestFor(*record)};
+    taskrecord::setWishes(*record, request);
     record->State = int(TaskState::Waiting);
     m_changed.insert(task.key);
     const bool copies = !request.again && taskrecord::lacksOnlyItsCopy(*record);
@@ -72,7 +65,7 @@ void Dispatcher::adopt(Task &inspection, const DownloadRequest &request)
     } else if (inspection.stage == Stage::Parsing) {
         const ControllerLock lock;
         if (CXMLInfo *record = controller().getXMLInfo(inspection.key))
-            setWishes(*record, request);
+            taskrecord::setWishes(*record, request);
         setState(inspection, TaskState::Running);
     }
     wake();

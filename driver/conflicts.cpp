@@ -35,8 +35,11 @@ void Dispatcher::leaveSkipped(const Task &task)
 {
     {
         const ControllerLock lock;
-        if (CXMLInfo *record = controller().getXMLInfo(task.key))
-            record->State = int(task.former.value_or(TaskState::None));
+        CXMLInfo *record = controller().getXMLInfo(task.key);
+        if (record != nullptr && task.former)
+            taskrecord::setWishes(*record, task.former->wishes);
+        if (record != nullptr)
+            record->State = int(task.former ? task.former->state : TaskState::None);
     }
     if (task.former) {
         m_changed.insert(task.key);

@@ -128,6 +128,13 @@ DownloadRequest requestFor(const CXMLInfo &record)
     return request;
 }
 
+void setWishes(CXMLInfo &record, const DownloadRequest &request)
+{
+    record.SaveAsPath = request.outputFolder;
+    record.IsOrgVideo = request.keepSource ? 1 : 0;
+    *record.Profile->m_pDesc = request.profile;
+}
+
 bool mayReplace(const QString &path, qint64 size)
 {
     const QFileInfo file(path);

@@ -60,6 +60,9 @@ bool lacksOnlyItsCopy(const CXMLInfo &record);
 /** The request that continues the task where it is, with the same wishes. */
 DownloadRequest requestFor(const CXMLInfo &record);
 
+/** Has the record say what the request wishes for. */
+void setWishes(CXMLInfo &record, const DownloadRequest &request);
+
 /**
  * Whether what is at `path` may be replaced by the task whose video has `size` bytes: nothing, the
  * empty file that kept the name free, or a file of just this size.

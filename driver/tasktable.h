@@ -25,6 +25,13 @@ enum class Stage {
     Copying,     ///< complete, but for a copy that is being made
 };
 
+/** What a task of the list was before it was asked for again. */
+struct FormerTask
+{
+    TaskState state;
+    DownloadRequest wishes;
+};
+
 /** A task that has not ended. */
 struct Task
 {
@@ -39,7 +46,7 @@ struct Task
     bool byProfile = true;            // how the library is to choose the format
     std::optional<OutputName> name;   // chosen, and perhaps reserved
     std::optional<OutputName> wanted; // the names to have in the end, whoever has them
-    std::optional<TaskState> former;  // what it was in the list; nothing: it was not there
+    std::optional<FormerTask> former; // nothing: it was not in the list
     std::optional<Upgrade> upgrade;   // one that has begun
     Finding finding = Finding::Downloaded;
 };
