@@ -24,7 +24,8 @@ bool syncFolder(const QString &path);
 
 /** Whether the name is taken, be it by a link that leads nowhere. */
 bool isTaken(const QString &path);
-/** Whether both are the same name in the same folder, which may have several names by links. */
+/** Whether both are the same name in the same folder, which may have several names by links. An
+ * empty path is the same as none. */
 bool isSamePath(const QString &one, const QString &other);
 /** Removes a regular file of no bytes; everything else stays. */
 void removeIfEmpty(const QString &path);
