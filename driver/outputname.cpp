@@ -112,10 +112,14 @@ void abandonOwn(const OutputPlace &place)
 bool isAwaited(CDown &controller, const QString &key, const QString &path,
                const UnfinishedFiles &unfinished)
 {
+    const QStringList parts = unfinished ? unfinished(path) : QStringList();
+    if (std::none_of(parts.cbegin(), parts.cend(), disk::isTaken))
+        return false;
     const ControllerLock lock;
     const auto &all = controller.m_pHistory->m_InfoList;
     return std::any_of(all.cbegin(), all.cend(), [&](const CXMLInfo *record) {
-        return record->MD5Code != key && taskrecord::isToContinueAt(*record, path, unfinished);
+        return record->MD5Code != key && taskrecord::stateOf(*record) != TaskState::Finished &&
+               disk::isSamePath(record->FileName, path);
     });
 }
 

@@ -6,8 +6,6 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <algorithm>
-
 namespace taskrecord {
 
 namespace {
@@ -141,15 +139,6 @@ bool mayReplace(const QString &path, qint64 size)
     if (!file.exists() && !file.isSymLink())
         return true;
     return file.isFile() && !file.isSymLink() && (file.size() == 0 || file.size() == size);
-}
-
-bool isToContinueAt(const CXMLInfo &record, const QString &path, const UnfinishedFiles &unfinished)
-{
-    if (stateOf(record) == TaskState::Finished || !unfinished ||
-        !disk::isSamePath(record.FileName, path))
-        return false;
-    const QStringList parts = unfinished(record.FileName);
-    return std::any_of(parts.cbegin(), parts.cend(), disk::isTaken);
 }
 
 QStringList filesOf(const CXMLInfo &record, const UnfinishedFiles &unfinished)

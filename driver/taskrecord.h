@@ -70,12 +70,6 @@ void setWishes(CXMLInfo &record, const DownloadRequest &request);
 bool mayReplace(const QString &path, qint64 size);
 
 /**
- * Whether `record` would continue a download to `path`, of which something has arrived. A name
- * given to anything else meanwhile would cost it that.
- */
-bool isToContinueAt(const CXMLInfo &record, const QString &path, const UnfinishedFiles &unfinished);
-
-/**
  * The files of the task that exist: the video, its copy or conversion, the thumbnail, and what a
  * interrupted download left. A file of another size than the task's has been put there by somebody
  * else, and is none of them.
