@@ -21,7 +21,7 @@ private slots:
         m_options.lowSpeedTime = std::chrono::seconds(1);
         taskengine::setOptions(m_options);
         misbehave([](Misbehaviour &fault) {
-            fault.prefix = "/stream", fault.bytesPerSecond = videoSize / 2;
+            fault.prefix = "/stream", fault.bytesPerSecond = videoSize * 3 / 7;
         });
         write(path("/video.flv"), "the old video");
         QCOMPARE(DownloadVideo(video()), 0);
