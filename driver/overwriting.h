@@ -13,8 +13,9 @@
 namespace overwriting {
 
 /**
- * Why the video of a task may not take the place of what is at `path`, for people; nothing when it
- * may, and when nothing is there. Takes the controller lock.
+ * Why the video of a task may not have the name `path` and take the place of what is there, for
+ * people; nothing when it may. A name that another task awaits is none to have, even if nothing is
+ * there yet. Takes the controller lock.
  * @param key of the task
  * @param unfinished which files the engine leaves of an unfinished download; may be empty
  *
